@@ -1,0 +1,1 @@
+# plaincast_test(NAME ROOM...), in alphabetical order of the names.
