@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+
+// What belongs to the process and the thread that runs its program: the stack,
+// requests to stop, and the end by a fault.
+
+// Calls `function` on the calling thread's stack if that is as large as the
+// system lets a program ask for, else on one of `bytes` (or as near to that as
+// can be had), reserved but not yet used. Gives the function's result.
+int osRunOnDeepStack(size_t bytes, int (*function)(void*), void* argument);
+
+// Bytes left on the calling thread's stack. Costs a few instructions.
+size_t osStackLeft();
+
+// What is to be done before a signal ends the process; must end by itself soon
+// after the time given.
+using OsLastWords = bool (*)(unsigned milliseconds);
+
+// Before the first thread is started. A request from outside to stop now
+// becomes `kOsMessageClose` in the calling thread's queue, from whichever thread
+// called this last. A second one, before the first was taken, ends the process
+// as if there were no such arrangement, and an interrupt from the keyboard
+// always does; `lastWords` (may be null) is called first. What the process was
+// started to ignore it goes on ignoring, except a request to stop. Writing to a
+// reader that has gone becomes an error number.
+int osStopMessagesStart(OsLastWords lastWords);
+
+// Ends the process by the fault of an integer division, as the processor's own
+// would. What is to be written out must have been. Does not return.
+[[noreturn]] void osRaiseIntegerDivisionFault();
