@@ -18,6 +18,18 @@ struct OsRelease {
 };
 bool osRelease(OsRelease* release);
 
+// The version numbers of a Windows system; false on any other, where `osRelease` tells.
+struct OsWindowsVersion {
+    uint32_t platformId = 0;
+    uint32_t major = 0;
+    uint32_t minor = 0;
+    uint32_t productType = 0;
+    uint32_t suiteMask = 0;
+    uint32_t servicePack = 0;
+    bool isRelease2 = false;
+};
+bool osWindowsVersion(OsWindowsVersion* version);
+
 // The processor's word: "amd64", "i586", "powerpc" and the like, "error" for others.
 std::string osArchitecture();
 
