@@ -87,7 +87,7 @@ def read_companions(home, name):
 
 def script_tests():
     found = []
-    groups = [group for group in sorted(SCRIPTS.iterdir()) if group.is_dir()]
+    groups = [group for group in sorted(SCRIPTS.glob("*")) if group.is_dir()]
     if ROOT.joinpath("examples").is_dir() and SCRIPTS / "examples" not in groups:
         groups.append(SCRIPTS / "examples")
     for home in groups:

@@ -1,0 +1,224 @@
+#!/usr/bin/env python3
+"""Times the workloads against other languages, in the same run on the same machine.
+
+Each folder here is a workload with one program a language, written as its users
+would write it for speed; all must print the same. The fastest of the rounds
+counts, and the rounds of all languages take turns, so that a busy machine slows
+them alike. bash, mostly far slower, runs once.
+"""
+
+import argparse
+import os
+import pathlib
+import subprocess
+import sys
+import time
+
+HERE = pathlib.Path(__file__).resolve().parent
+WORK = HERE.parent / "build" / "bench"
+WORKLOADS = ("empty", "loop", "calls", "string", "expression")
+RUNS_OF_EMPTY = 40
+PARSED_FUNCTIONS = 5000     # of 20 lines each
+
+# What makes a program of each language wait for a line of input at its end.
+WAITS = {
+    "lua": 'print("ready") io.stdout:flush() io.read()\n',
+    "tcl": "puts ready\nflush stdout\ngets stdin\n",
+    "perl": '$| = 1;\nprint "ready\\n";\n<STDIN>;\n',
+    "python": 'import sys\nprint("ready", flush=True)\nsys.stdin.readline()\n',
+    "bash": "echo ready\nread -r line\n",
+}
+
+# One function of the program that is parsed; each is about the same in every language.
+PARSED = {
+    "plaincast": ("function work{0} first second", "    number i sum", "    string text",
+                  "    for ( i = 0 ) ( i < second ) ( i += 1 )",
+                  "        if ( i % 2 == 0 & first > {0} )",
+                  "            eval ( sum += ( first + i ) * {0} - second )",
+                  "        end", "        else", "            eval ( sum -= i )", "        end",
+                  '        eval ( text .= "round " . i . ", " )', "    end",
+                  "    if ( sum > 100 )", '        echo ( "total of {0}: " . sum )', "    end",
+                  "    eval ( first = sum )", "    # what the rounds were",
+                  "    echo text", "    return ( sum > 0 )", "end"),
+    "python": ("def work{0}(first, second):", "    total = 0", '    text = ""', "    i = 0",
+               "    while i < second:", "        if i % 2 == 0 and first > {0}:",
+               "            total += (first + i) * {0} - second",
+               "        else:", "            total -= i",
+               '        text += "round " + str(i) + ", "', "        i += 1",
+               "    if total > 100:", '        print("total of {0}: " + str(total))', "",
+               "    # keeps the sum for the next", "    first = total",
+               "    print(text)", "    return total > 0", "", ""),
+    "perl": ("sub work{0} {{", "    my ($first, $second) = @_;", "    my $sum = 0;",
+             '    my $text = "";', "    for (my $i = 0; $i < $second; $i += 1) {{",
+             "        if ($i % 2 == 0 && $first > {0}) {{",
+             "            $sum += ($first + $i) * {0} - $second;",
+             "        }}", "        else {{", "            $sum -= $i;", "        }}",
+             '        $text .= "round " . $i . ", ";', "    }}", "    if ($sum > 100) {{",
+             '        print "total of {0}: " . $sum . "\\n";', "    }}",
+             "    $first = $sum;", '    print $text . "\\n";', "    return $sum > 0;", "}}"),
+    "lua": ("function work{0}(first, second)", "    local sum = 0", '    local text = ""',
+            "    for i = 0, second - 1 do", "        if i % 2 == 0 and first > {0} then",
+            "            sum = sum + (first + i) * {0} - second", "        else",
+            "            sum = sum - i", "        end",
+            '        text = text .. "round " .. i .. ", "', "    end", "",
+            "    if sum > 100 then", '        print("total of {0}: " .. sum)', "    end",
+            "    -- keeps the sum for the next", "    first = sum",
+            "    print(text)", "    return sum > 0", "end"),
+    "bash": ("work{0}() {{", "    local first=$1 second=$2", "    local sum=0", '    local text=""',
+             "    for ((i = 0; i < second; i++)); do",
+             "        if ((i % 2 == 0 && first > {0})); then",
+             "            ((sum += (first + i) * {0} - second))", "        else",
+             "            ((sum -= i))", "        fi", '        text+="round $i, "', "    done",
+             "    if ((sum > 100)); then", '        echo "total of {0}: $sum"', "    fi",
+             "    # keeps the sum for the next", "    first=$sum", '    echo "$text"',
+             "    ((sum > 0))", "}}"),
+}
+
+
+def commands(program):
+    return {
+        "plaincast": ([program, "--script"], "qcs"),
+        "lua": (["lua5.4"], "lua"),
+        "tcl": (["tclsh8.6"], "tcl"),
+        "perl": (["/usr/bin/perl"], "pl"),
+        "python": (["/usr/bin/python3"], "py"),
+        "bash": (["bash"], "sh"),
+    }
+
+
+def parsers(program):
+    return {
+        "plaincast": [program, "--parse", "--script"],
+        "lua": ["luac5.4", "-p"],
+        "perl": ["/usr/bin/perl", "-c"],
+        "python": ["/usr/bin/python3", "-m", "py_compile"],
+        "bash": ["bash", "-n"],
+    }
+
+
+def measure(command):
+    """Runs a command; gives wall seconds, CPU seconds and what it printed."""
+    began = time.perf_counter()
+    process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+                               stderr=subprocess.STDOUT)
+    output = process.stdout.read().decode(errors="replace")
+    _, status, usage = os.wait4(process.pid, 0)
+    wall = time.perf_counter() - began
+    process.returncode = os.waitstatus_to_exitcode(status)
+    process.stdout.close()
+    if process.returncode != 0:
+        sys.exit(f"{' '.join(command)} ended with {process.returncode}:\n{output[-2000:]}")
+    return wall, usage.ru_utime + usage.ru_stime, output.strip()
+
+
+def best(runs, rounds, compare=True):
+    """Gives the least wall and the least CPU seconds of each language, and their one answer."""
+    times = {}
+    answers = {}
+    for turn in range(rounds):
+        for language, command in runs.items():
+            if language == "bash" and turn > 0 and times["bash"][0] > 0.1:
+                continue
+            wall, cpu, answer = measure(command)
+            before = times.get(language, (wall, cpu))
+            times[language] = (min(before[0], wall), min(before[1], cpu))
+            answers[language] = answer
+    if compare and len(set(answers.values())) != 1:
+        sys.exit(f"the answers differ: {answers}")
+    return times, answers["plaincast"]
+
+
+def resident(command):
+    """Runs a program that prints `ready` last and waits; gives its greatest resident size in KiB."""
+    with subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE) as process:
+        for line in process.stdout:
+            if line.strip() == b"ready":
+                break
+        status = pathlib.Path(f"/proc/{process.pid}/status").read_text()
+        process.communicate(b"\n")
+    return int(next(line for line in status.splitlines() if line.startswith("VmHWM")).split()[1])
+
+
+def waiting(language, source, suffix, name):
+    """Writes a copy of a program that waits at its end, for the memory lines."""
+    text = source.read_text()
+    if language == "plaincast":
+        text = text.rstrip().removesuffix("end") + '    echo "ready"\n    waitkey\nend\n'
+    else:
+        text += WAITS[language]
+    copy = WORK / f"{name}.{suffix}"
+    copy.write_text(text)
+    return str(copy)
+
+
+def row(name, cells):
+    print(f"{name:<22}" + "".join(f"{cell:>11}" for cell in cells), flush=True)
+
+
+def print_times(name, times, languages, index=0):
+    def seconds(language):
+        return times[language][index] if language in times else None
+
+    ours = seconds("plaincast")
+    peers = [seconds(language) for language in ("tcl", "perl", "python") if language in times]
+    cells = [f"{seconds(language):.4f}" if language in times else "-" for language in languages]
+    row(name, cells + [f"{ours / min(peers):.2f}", f"{ours / seconds('lua'):.2f}"])
+
+
+def parse_runs(program):
+    runs = {}
+    for language, command in parsers(program).items():
+        path = WORK / f"parsed.{commands(program)[language][1]}"
+        with open(path, "w", encoding="utf-8") as file:
+            for number in range(PARSED_FUNCTIONS):
+                file.write("\n".join(PARSED[language]).format(number) + "\n")
+            if language == "plaincast":
+                file.write("function main\nend\n")
+        runs[language] = command + [str(path)]
+    return runs
+
+
+def main():
+    parser = argparse.ArgumentParser(description="Times the workloads against other languages.")
+    parser.add_argument("--program", required=True)
+    parser.add_argument("--rounds", type=int, default=5)
+    parser.add_argument("names", nargs="*", help="workloads, parse or memory; all without a name")
+    arguments = parser.parse_args()
+    languages = commands(arguments.program)
+    WORK.mkdir(parents=True, exist_ok=True)
+    os.environ["PATH"] = f"{pathlib.Path(arguments.program).parent}:{os.environ['PATH']}"
+
+    def wanted(name):
+        return not arguments.names or name in arguments.names
+
+    def source(workload, language):
+        return HERE / workload / f"{language}.{languages[language][1]}"
+
+    answers = []
+    row("seconds", [*languages, "/fastest", "/lua"])
+    for workload in filter(wanted, WORKLOADS):
+        runs = {language: start + [str(source(workload, language))]
+                for language, (start, _) in languages.items()
+                if source(workload, language).exists()}
+        times, answer = best(runs, RUNS_OF_EMPTY if workload == "empty" else arguments.rounds)
+        print_times(workload, times, languages)
+        if workload == "empty":
+            print_times("empty, CPU", times, languages, 1)
+        else:
+            answers.append(f"{workload} {answer}")
+    if wanted("parse"):
+        times, _ = best(parse_runs(arguments.program), arguments.rounds, compare=False)
+        print_times("parse", times, languages)
+    print("/fastest: against the fastest of tcl, perl and python")
+    print("answers, the same from all:", ", ".join(answers))
+    if wanted("memory"):
+        print()
+        row("resident KiB", languages)
+        for name, workload in (("idle", "empty"), ("after the loop", "loop")):
+            row(name, [resident(start + [waiting(language, source(workload, language), suffix,
+                                                 workload)])
+                       for language, (start, suffix) in languages.items()])
+
+
+if __name__ == "__main__":
+    main()
