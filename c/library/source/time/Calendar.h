@@ -22,10 +22,7 @@ uint32_t dateDaysInMonth(uint32_t year, uint32_t month);
 bool dateIsValid(uint32_t year, uint32_t month, uint32_t day);
 
 // Days from 1900-01-01 to the first day of the year.
-uint32_t dateDaysBeforeYear(uint32_t year);
-
-// Days from the first day of the year to the first day of the month.
-uint32_t dateDaysBeforeMonth(uint32_t year, uint32_t month);
+uint64_t dateDaysBeforeYear(uint32_t year);
 
 // 1 for Monday to 7 for Sunday.
 uint32_t dateWeekday(uint32_t year, uint32_t month, uint32_t day);
