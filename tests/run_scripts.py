@@ -32,8 +32,8 @@ standard input. `plaincast parse` is a script that must pass --parse, and
 Each test runs in a folder of its own that holds a copy of its group, with a
 registry file of its own. What two runs or two systems must not share is masked
 before the comparison: the log's times, source file and line of a location
-record, and absolute paths below the test's folder (as {dir}/..., whatever their
-separators).
+record, the program's path ({program}), and the path of the test's folder, with
+`/` for all separators of the names behind it ({dir}/...).
 """
 
 import argparse
@@ -176,11 +176,18 @@ def mask_times(text):
     return re.sub(rb"\(\d\d:\d\d:\d\d\): ", b"(hh:mm:ss): ", text)
 
 
-def mask(text, folder):
+def mask_path(text, path, token):
+    """Puts `token` for a path, in any of its spellings, and `/` for the separators behind it."""
+    parts = [re.escape(part) for part in os.fsencode(path).split(b"/") if part]
+    spelling = (rb"(?:\b[A-Za-z]:)?[/\\]+" + rb"[/\\]+".join(parts)
+                + rb"((?:[/\\]+[^\s/\\\"']*)*)(?!\.?[\w-])")
+    return re.sub(spelling, lambda m: token + re.sub(rb"[/\\]+", b"/", m[1]), text)
+
+
+def mask(text, folder, program):
     """Replaces what two right runs may print differently."""
-    parts = [re.escape(part) for part in os.fsencode(folder).split(b"/") if part]
-    below = rb"(?:\b[A-Za-z]:)?[/\\]+" + rb"[/\\]+".join(parts) + rb"((?:[/\\]+[^\s/\\\"']*)*)"
-    text = re.sub(below, lambda m: b"{dir}" + re.sub(rb"[/\\]+", b"/", m[1]), text)
+    text = mask_path(text, folder, b"{dir}")
+    text = mask_path(text, program, b"{program}")
     text = mask_times(text)
     text = re.sub(rb"(?:c/library/source|programs)/[\w/.-]+\.(?:cpp|h)\b", b"{source}", text)
     return re.sub(rb"(\{source\}\"?,? +line )\d+", rb"\1{line}", text)
@@ -218,9 +225,14 @@ class Runner:
         result["PATH"] = f"{self.program.parent}:/usr/local/bin:/usr/bin:/bin:/usr/sbin:/sbin"
         result["QUOREL_REGISTRY"] = str(folder / "registry.db")
         if self.arguments.system == "windows":
-            result["WINEPATH"] = "Z:" + str(self.program.parent).replace("/", "\\")
+            result["WINEPATH"] = self.path_for_program(self.program.parent)
             result["HOME"] = os.environ.get("HOME", "/root")
         return result
+
+    def path_for_program(self, path):
+        if self.arguments.system == "windows":
+            return "Z:" + str(path).replace("/", "\\")
+        return str(path)
 
     def command(self, test, folder):
         start = ["wine"] if self.arguments.system == "windows" else []
@@ -228,9 +240,9 @@ class Runner:
         lines = test.expected.get("args", b"").split(b"\n")
         if lines[-1] == b"":
             lines.pop()
-        script = os.fsencode(folder / test.script)
-        lines = [line.replace(b"{script}", script).replace(b"{dir}", os.fsencode(folder))
-                 for line in lines]
+        script, above = (os.fsencode(self.path_for_program(path))
+                         for path in (folder / test.script, folder))
+        lines = [line.replace(b"{script}", script).replace(b"{dir}", above) for line in lines]
         if lines[:1] == [b"{raw}"]:
             return start + lines[1:]
         return start + ["--script", test.script] + test.options + lines
@@ -260,7 +272,7 @@ class Runner:
                 tail = process.communicate()[0][-2000:].decode("utf-8", "backslashreplace")
                 return f"not done after {seconds} seconds; the end of its output:\n{tail}\n"
             code = process.returncode if process.returncode >= 0 else 128 - process.returncode
-            return self.judge(test, mask(out, folder), mask(err, folder), code)
+            return self.judge(test, *(mask(text, folder, self.program) for text in (out, err)), code)
 
     def judge(self, test, out, err, code):
         if self.arguments.update and test.home and self.update(test, out, err, code):
