@@ -35,9 +35,8 @@ PathTree* pathTreeCreate();
 // Releases all nodes and clears the caller's pointer.
 void pathTreeDestroy(PathTree** tree, DestroyFunction destroy);
 
-// Releases all nodes and gives the tree a new empty root. False when there is no
-// memory for it: then the old root stays, emptied.
-bool pathTreeClear(PathTree* tree, DestroyFunction destroy);
+// Releases all nodes below the root and empties the root.
+void pathTreeClear(PathTree* tree, DestroyFunction destroy);
 
 // The node at the path; null when there is none.
 PathTreeNode* pathTreeFind(const PathTree* tree, const String* path);

@@ -70,6 +70,8 @@ bool rbTreeContains(const RbTree* tree, const void* key);
 // Takes out all elements; with a callback each is ended, in order.
 void rbTreeClear(RbTree* tree);
 void rbTreeClearWith(RbTree* tree, DestroyFunction destroy);
+// The same for a tree of pairs, with whichever of the callbacks are given.
+void rbTreeClearPairs(RbTree* tree, DestroyFunction destroyKey, DestroyFunction destroyValue);
 
 // ---- Nodes: for walks and searches inside one function, which need no iterator.
 // All give null when there is none.

@@ -1,0 +1,62 @@
+#include "containers/Pool.h"
+
+#include <algorithm>
+
+#include "containers/Memory.h"
+
+struct PoolChunk {
+    PoolChunk* older;
+    void* unused;  // keeps the records behind the header at a multiple of 16
+};
+
+static_assert(sizeof(PoolChunk) == 16);
+
+void poolInit(Pool* pool, uint32_t recordSize, uint32_t linkOffset, uint32_t firstRecords) {
+    if (pool == nullptr) return;
+    *pool = Pool{};
+    pool->recordSize = std::max<uint32_t>((recordSize + 7) & ~7u, linkOffset + sizeof(void*));
+    pool->linkOffset = linkOffset;
+    const uint64_t wanted = sizeof(PoolChunk) + uint64_t{firstRecords} * pool->recordSize;
+    const bool full = firstRecords == 0 || wanted > kPoolChunk;
+    pool->firstChunk = full ? kPoolChunk : static_cast<uint32_t>(wanted);
+    pool->nextChunk = pool->firstChunk;
+}
+
+void poolDestroy(Pool* pool) {
+    if (pool == nullptr) return;
+    while (pool->chunks != nullptr) {
+        PoolChunk* chunk = pool->chunks;
+        pool->chunks = chunk->older;
+        memFree(&chunk);
+    }
+    pool->free = nullptr;
+    pool->fresh = nullptr;
+    pool->freshEnd = nullptr;
+    pool->nextChunk = pool->firstChunk;
+}
+
+bool poolHasGrown(const Pool* pool) {
+    return pool != nullptr && pool->chunks != nullptr && pool->chunks->older != nullptr;
+}
+
+// Adds a chunk of at least one record, all zeros, and makes its records the fresh ones.
+static bool addChunk(Pool* pool) {
+    const size_t room = std::max<size_t>(pool->nextChunk - sizeof(PoolChunk), pool->recordSize);
+    const size_t bytes = room - room % pool->recordSize;
+    auto* chunk = static_cast<PoolChunk*>(memAlloc(sizeof(PoolChunk) + bytes));
+    if (chunk == nullptr) return false;
+    chunk->older = pool->chunks;
+    pool->chunks = chunk;
+    pool->fresh = reinterpret_cast<char*>(chunk + 1);
+    pool->freshEnd = pool->fresh + bytes;
+    std::memset(pool->fresh, 0, bytes);
+    pool->nextChunk = std::min(pool->nextChunk * 2, kPoolChunk);
+    return true;
+}
+
+void* poolTakeFresh(Pool* pool) {
+    if (pool->fresh == pool->freshEnd && !addChunk(pool)) return nullptr;
+    void* record = pool->fresh;
+    pool->fresh += pool->recordSize;
+    return record;
+}
