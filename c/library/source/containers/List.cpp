@@ -40,8 +40,8 @@ void dropNodes(List* list) {
 
 ListIterator* makeIterator(List* list, ListNode* node, int8_t direction) {
     if (node == nullptr) return nullptr;
-    auto* it = memNew<ListIterator>(
-        ListIterator{list, node, direction, false, list->iterators, nullptr});
+    auto* it =
+        memNew<ListIterator>(ListIterator{list, node, direction, false, list->iterators, nullptr});
     if (it == nullptr) return nullptr;
     if (it->nextIterator != nullptr) it->nextIterator->prevIterator = it;
     list->iterators = it;

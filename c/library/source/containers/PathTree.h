@@ -91,3 +91,13 @@ PathTreeNode* pathTreeNodeNext(const PathTreeNode* node);
 // A walk through `top` and all below it, parents first: gives the node behind
 // `node`, null after the last one. It needs no memory, however deep the tree.
 PathTreeNode* pathTreeNodeWalk(const PathTreeNode* top, PathTreeNode* node);
+
+// Held so, a tree or node ends without its values.
+template <>
+struct OwnedTraits<PathTree> {
+    static void destroy(PathTree** tree) { pathTreeDestroy(tree, nullptr); }
+};
+template <>
+struct OwnedTraits<PathTreeNode> {
+    static void destroy(PathTreeNode** node) { pathTreeNodeDestroy(node, nullptr); }
+};

@@ -14,8 +14,8 @@
 struct PoolChunk;
 
 struct Pool {
-    void* free;         // records given back, linked through `linkOffset`
-    char* fresh;        // records never taken so far, in the newest chunk
+    void* free;   // records given back, linked through `linkOffset`
+    char* fresh;  // records never taken so far, in the newest chunk
     char* freshEnd;
     PoolChunk* chunks;  // owned, the newest first
     uint32_t recordSize;

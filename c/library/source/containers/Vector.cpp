@@ -21,8 +21,8 @@ void copyPointers(void** target, void* const* source, size_t count) {
 bool grow(Vector* vector) {
     if (vector->capacity == 0) return vectorResize(vector, kVectorCapacity);
     if (vector->capacity == UINT32_MAX) return false;
-    return vectorResize(vector, static_cast<uint32_t>(
-                                    std::min<uint64_t>(uint64_t{vector->capacity} * 2, UINT32_MAX)));
+    return vectorResize(vector, static_cast<uint32_t>(std::min<uint64_t>(
+                                    uint64_t{vector->capacity} * 2, UINT32_MAX)));
 }
 
 void destroyRange(void** from, void** to, DestroyFunction destroy) {

@@ -12,8 +12,8 @@
 constexpr uint32_t kVectorCapacity = 13;
 
 struct Vector {
-    void** data;       // owned
-    uint8_t sorted;    // some sort has happened since the last change of order
+    void** data;     // owned
+    uint8_t sorted;  // some sort has happened since the last change of order
     uint32_t size;
     uint32_t capacity;
 };

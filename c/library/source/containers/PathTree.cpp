@@ -1,0 +1,261 @@
+#include "containers/PathTree.h"
+
+#include <cstring>
+
+#include "containers/Memory.h"
+#include "strings/String.h"
+
+// Finds a child by name where there are many: open addressing, at most half
+// full. It only saves time; a node that has no memory for one does without.
+struct PathTreeIndex {
+    uint32_t size;  // a power of two
+    uint32_t used;  // places taken, those of children that have gone included
+
+    PathTreeNode** slots() { return reinterpret_cast<PathTreeNode**>(this + 1); }
+};
+
+namespace {
+
+constexpr char kSeparator = '.';
+// So many children are looked through faster than hashed.
+constexpr uint32_t kIndexFrom = 16;
+
+// Keeps the place of a child that has gone.
+PathTreeNode goneNode;
+
+uint32_t hashName(std::string_view name) {
+    uint32_t hash = 2166136261u;
+    for (const char byte : name) hash = (hash ^ static_cast<unsigned char>(byte)) * 16777619u;
+    return hash;
+}
+
+PathTreeNode* childOf(const ListNode* place) {
+    return place == nullptr ? nullptr : static_cast<PathTreeNode*>(place->value);
+}
+
+// The slot that holds `child`, or, without one, a child of that name; else the
+// free slot where the search ended.
+PathTreeNode** slotOf(PathTreeIndex* index, std::string_view name, const PathTreeNode* child) {
+    PathTreeNode** slots = index->slots();
+    uint32_t place = hashName(name) & (index->size - 1);
+    for (; slots[place] != nullptr; place = (place + 1) & (index->size - 1)) {
+        const PathTreeNode* here = slots[place];
+        if (here == &goneNode) continue;
+        if (child == nullptr ? stringView(here->name) == name : here == child) break;
+    }
+    return slots + place;
+}
+
+void addToIndex(PathTreeIndex* index, PathTreeNode* child) {
+    *slotOf(index, stringView(child->name), child) = child;
+    ++index->used;
+}
+
+// Makes a new index of all children of the parent, if there is memory for it.
+void makeIndex(PathTreeNode* parent) {
+    memFree(&parent->index);
+    uint64_t size = kIndexFrom;
+    while (size < uint64_t{listCount(parent->children)} * 4) size *= 2;
+    if (size > UINT32_MAX) return;
+    const size_t bytes = size * sizeof(PathTreeNode*);
+    auto* index = static_cast<PathTreeIndex*>(memAlloc(sizeof(PathTreeIndex) + bytes));
+    if (index == nullptr) return;
+    index->size = static_cast<uint32_t>(size);
+    index->used = 0;
+    std::memset(index->slots(), 0, bytes);
+    for (PathTreeNode* child = pathTreeNodeFirst(parent); child != nullptr;
+         child = pathTreeNodeNext(child))
+        addToIndex(index, child);
+    parent->index = index;
+}
+
+void noteNewChild(PathTreeNode* parent, PathTreeNode* child) {
+    if (listCount(parent->children) < kIndexFrom) return;
+    if (parent->index == nullptr || parent->index->used >= parent->index->size / 2)
+        makeIndex(parent);
+    else
+        addToIndex(parent->index, child);
+}
+
+// Takes a node out of its parent's children; the node itself stays.
+void detach(PathTreeNode* node) {
+    PathTreeNode* parent = node->parent;
+    if (parent == nullptr) return;
+    if (parent->index != nullptr) *slotOf(parent->index, stringView(node->name), node) = &goneNode;
+    listEraseNode(parent->children, node->place);
+    node->parent = nullptr;
+    node->place = nullptr;
+}
+
+void endValue(PathTreeNode* node, DestroyFunction destroy) {
+    if (destroy != nullptr && node->value != nullptr) destroy(&node->value);
+    node->value = nullptr;
+}
+
+// Releases all below the node, the deepest first and without recursion.
+void destroyChildren(PathTreeNode* top, DestroyFunction destroy) {
+    PathTreeNode* node = top;
+    while (true) {
+        memFree(&node->index);  // of no use when the children go one by one
+        if (PathTreeNode* child = pathTreeNodeFirst(node)) {
+            node = child;
+            continue;
+        }
+        listDestroy(&node->children);
+        if (node == top) return;
+        PathTreeNode* parent = node->parent;
+        detach(node);
+        endValue(node, destroy);
+        stringDestroy(&node->name);
+        memFree(&node);
+        node = parent;
+    }
+}
+
+// Cuts the next name off the rest of a path.
+std::string_view cutName(std::string_view* rest) {
+    const size_t end = rest->find(kSeparator);
+    const std::string_view name = rest->substr(0, end);
+    *rest = end == std::string_view::npos ? std::string_view() : rest->substr(end + 1);
+    return name;
+}
+
+}  // namespace
+
+PathTree* pathTreeCreate() {
+    PathTree* tree = memNew<PathTree>();
+    if (tree == nullptr) return nullptr;
+    Owned<String> name(stringFromText("root"));
+    tree->root = pathTreeNodeCreate(name.get());
+    if (tree->root == nullptr) memFree(&tree);
+    return tree;
+}
+
+void pathTreeDestroy(PathTree** tree, DestroyFunction destroy) {
+    if (tree == nullptr || *tree == nullptr) return;
+    pathTreeNodeDestroy(&(*tree)->root, destroy);
+    memFree(tree);
+}
+
+void pathTreeClear(PathTree* tree, DestroyFunction destroy) {
+    if (tree == nullptr) return;
+    destroyChildren(tree->root, destroy);
+    endValue(tree->root, destroy);
+}
+
+PathTreeNode* pathTreeFind(const PathTree* tree, const String* path) {
+    if (tree == nullptr || path == nullptr) return nullptr;
+    PathTreeNode* node = tree->root;
+    std::string_view rest = stringView(path);
+    while (node != nullptr && !rest.empty()) node = pathTreeNodeChild(node, cutName(&rest));
+    return node;
+}
+
+PathTreeNode* pathTreeAddNode(PathTree* tree, const String* path, const String* name) {
+    PathTreeNode* parent = pathTreeFind(tree, path);
+    if (parent == nullptr) return nullptr;
+    Owned<PathTreeNode> node(pathTreeNodeCreate(name));
+    return pathTreeNodeAppend(parent, node.get()) ? node.release() : nullptr;
+}
+
+bool pathTreeSetValue(PathTree* tree, const String* path, void* value, DestroyFunction destroy) {
+    PathTreeNode* node = pathTreeFind(tree, path);
+    if (node == nullptr) return false;
+    endValue(node, destroy);
+    node->value = value;
+    return true;
+}
+
+void* pathTreeGetValue(const PathTree* tree, const String* path) {
+    const PathTreeNode* node = pathTreeFind(tree, path);
+    return node == nullptr ? nullptr : node->value;
+}
+
+bool pathTreeHasNode(const PathTree* tree, const String* path) {
+    return pathTreeFind(tree, path) != nullptr;
+}
+
+List* pathTreeChildNames(const PathTree* tree, const String* path) {
+    const PathTreeNode* node = pathTreeFind(tree, path);
+    if (node == nullptr) return nullptr;
+    List* names = listCreate();
+    for (PathTreeNode* child = pathTreeNodeFirst(node); child != nullptr && names != nullptr;
+         child = pathTreeNodeNext(child)) {
+        Owned<String> name(stringClone(child->name));
+        if (listPushBack(names, name.get()))
+            name.release();
+        else
+            listDestroyWith(&names, stringDestroyElement);
+    }
+    return names;
+}
+
+bool pathTreeEraseNode(PathTree* tree, const String* path, DestroyFunction destroy) {
+    PathTreeNode* node = pathTreeFind(tree, path);
+    if (node == nullptr || node == tree->root) return false;
+    pathTreeNodeDestroy(&node, destroy);
+    return true;
+}
+
+uint32_t pathTreeCount(const PathTree* tree) {
+    if (tree == nullptr) return 0;
+    uint32_t count = 0;
+    PathTreeNode* node = tree->root;
+    while ((node = pathTreeNodeWalk(tree->root, node)) != nullptr) ++count;
+    return count;
+}
+
+PathTreeNode* pathTreeNodeCreate(const String* name) {
+    if (name == nullptr || stringView(name).find(kSeparator) != std::string_view::npos)
+        return nullptr;
+    PathTreeNode* node = memNew<PathTreeNode>();
+    if (node == nullptr) return nullptr;
+    node->name = stringClone(name);
+    if (node->name == nullptr) memFree(&node);
+    return node;
+}
+
+void pathTreeNodeDestroy(PathTreeNode** node, DestroyFunction destroy) {
+    if (node == nullptr || *node == nullptr) return;
+    detach(*node);
+    destroyChildren(*node, destroy);
+    endValue(*node, destroy);
+    stringDestroy(&(*node)->name);
+    memFree(node);
+}
+
+bool pathTreeNodeAppend(PathTreeNode* parent, PathTreeNode* node) {
+    if (parent == nullptr || node == nullptr || parent == node || node->parent != nullptr)
+        return false;
+    if (pathTreeNodeChild(parent, stringView(node->name)) != nullptr) return false;
+    if (parent->children == nullptr) parent->children = listCreate();
+    if (!listPushBack(parent->children, node)) return false;
+    node->parent = parent;
+    node->place = listLastNode(parent->children);
+    noteNewChild(parent, node);
+    return true;
+}
+
+PathTreeNode* pathTreeNodeChild(const PathTreeNode* parent, std::string_view name) {
+    if (parent == nullptr) return nullptr;
+    if (parent->index != nullptr) return *slotOf(parent->index, name, nullptr);
+    PathTreeNode* child = pathTreeNodeFirst(parent);
+    while (child != nullptr && stringView(child->name) != name) child = pathTreeNodeNext(child);
+    return child;
+}
+
+PathTreeNode* pathTreeNodeFirst(const PathTreeNode* parent) {
+    return parent == nullptr ? nullptr : childOf(listFirstNode(parent->children));
+}
+
+PathTreeNode* pathTreeNodeNext(const PathTreeNode* node) {
+    if (node == nullptr || node->parent == nullptr) return nullptr;
+    return childOf(listNextNode(node->parent->children, node->place));
+}
+
+PathTreeNode* pathTreeNodeWalk(const PathTreeNode* top, PathTreeNode* node) {
+    if (PathTreeNode* child = pathTreeNodeFirst(node)) return child;
+    for (; node != top; node = node->parent)
+        if (PathTreeNode* next = pathTreeNodeNext(node)) return next;
+    return nullptr;
+}
