@@ -7,6 +7,7 @@
 #include "logger/Logger.h"
 #include "platform/threads.h"
 #include "strings/String.h"
+#include "time/Time.h"
 
 struct Thread;
 
@@ -21,7 +22,8 @@ enum ThreadState : int {
 };
 
 // A thread and what is known about it. State and touch are written by the thread
-// itself and read by others.
+// itself and read by others, hence their type. The list of started threads is
+// chained through the records, so that starting a thread cannot fail there.
 struct Thread {
     String* name;  // owned, may be null; any ":" is replaced by "_"
     OsThread* handle;
@@ -30,11 +32,13 @@ struct Thread {
     uint32_t threadId;
     std::atomic<int> state;
     Logger* logger;  // owned
-    std::atomic<uint64_t> lastTouch;  // UTC, milliseconds since 1970
+    std::atomic<Time> lastTouch;
     std::atomic<uint8_t>* ownerFlag;  // set to 1 when the record is destroyed; may be null
+    Thread* next;
 };
 
-// Makes the list of started threads and its lock. False when memory runs out.
+// Makes the list of started threads and its lock; to be called before the first
+// start. False when memory runs out.
 bool threadModuleInit();
 
 // Destroys the list and every record in it by `threadKill`: what still runs is
@@ -48,11 +52,11 @@ Thread* threadInitFunc(ThreadFunction function, void* data);
 Thread* threadInitName(ThreadFunction function, void* data, const String* name);
 
 // Stamps the present time on the record and marks it running; with null stamps
-// the main thread's own. A thread's function calls this at each round.
+// the main thread's. A thread's function calls this at each round.
 void threadTouch(Thread* thread);
 
 // The time of the last touch of the main thread, 0 before the first.
-uint64_t threadMainTouch();
+Time threadMainTouch();
 
 // Takes one message from the calling thread's queue; true when it asks to stop.
 // Any other message is dropped.
