@@ -204,11 +204,10 @@ def expected_code(text, system):
 def difference(what, wanted, got):
     if wanted == got:
         return ""
-    before, after = (text.decode("utf-8", "backslashreplace").splitlines(keepends=True)
-                     for text in (wanted, got))
-    lines = difflib.unified_diff(before, after, f"expected {what}", f"got {what}")
-    return "".join(line if line.endswith("\n") else line + "\n\\ no line feed at the end\n"
-                   for line in lines)
+    before, after = (text.decode("utf-8", "backslashreplace").replace("\r", "\\r")
+                     .split("\n") for text in (wanted, got))
+    lines = difflib.unified_diff(before, after, f"expected {what}", f"got {what}", lineterm="")
+    return "\n".join(lines) + "\n"
 
 
 class Runner:
