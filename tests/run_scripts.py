@@ -185,7 +185,15 @@ def mask_path(text, path, token):
 
 
 def mask(text, folder, program):
-    """Replaces what two right runs may print differently."""
+    r"""Replaces what two right runs may print differently.
+
+    >>> mask(rb'in "Z:\t\u\sub\x.qcs", /t/u-2 and \t\u.', "/t/u", "/b/p")
+    b'in "{dir}/sub/x.qcs", /t/u-2 and {dir}.'
+    >>> mask(rb'ERROR    (14:05:09):    in file "c/library/source/a/B.cpp", line 7', "/t", "/b/p")
+    b'ERROR    (hh:mm:ss):    in file "{source}", line {line}'
+    >>> mask(rb'z:\b\p --script "a", line 7 (14:05:09)', "/t", "/b/p")
+    b'{program} --script "a", line 7 (14:05:09)'
+    """
     text = mask_path(text, folder, b"{dir}")
     text = mask_path(text, program, b"{program}")
     text = mask_times(text)

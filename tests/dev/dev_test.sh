@@ -1,5 +1,6 @@
 #!/bin/sh
-# Tests of ./dev itself: dev_test.sh PATH-OF-DEV, after build/linux was built.
+# Tests of ./dev itself and of the runner of the script tests: dev_test.sh
+# PATH-OF-DEV, after build/linux was built.
 
 dev=$1
 folder=$(mktemp -d "${TMPDIR:-/tmp}/plaincast-dev.XXXXXX") || exit 1
@@ -21,6 +22,7 @@ expect() {
 }
 
 sh -n "$dev" || faults=$((faults + 1))
+python3 -B -m doctest "$(dirname "$0")/../run_scripts.py" || faults=$((faults + 1))
 expect 2 "" frobnicate
 expect 2 "" run
 expect 2 "" build mars
