@@ -14,3 +14,7 @@
 // letters vanish with their `%`; a `%` with no argument left stays. The caller
 // owns the result; null when memory runs out.
 String* messageExpand(const char* format, LogForm form, const LogArg* args, uint32_t count);
+
+// The same, appended to `out`. Where memory runs out a piece is left out.
+void messageExpandInto(String* out, const char* format, LogForm form, const LogArg* args,
+                       uint32_t count);
