@@ -52,6 +52,17 @@ struct OwnedTraits<String> {
     static void destroy(String** s) { stringDestroy(s); }
 };
 
+// A string that lives in one function: empty at first, released at its end.
+struct LocalString : String {
+    LocalString() { stringInitEmpty(this); }
+    ~LocalString() { stringRelease(this); }
+    LocalString(const LocalString&) = delete;
+    LocalString& operator=(const LocalString&) = delete;
+};
+
+// Gives `s` the buffer of `from`, which becomes empty; nothing is copied.
+bool stringTake(String* s, String* from);
+
 // The bytes of the text, valid until the string changes. Null gives none.
 inline std::string_view stringView(const String* s) {
     return s == nullptr ? std::string_view() : std::string_view(s->data, s->length);
