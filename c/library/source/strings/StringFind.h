@@ -43,5 +43,5 @@ uint32_t stringCountChar(const String* s, char c, uint32_t start = 0, uint32_t c
 inline std::string_view stringRange(const String* s, uint32_t start, uint32_t count) {
     const std::string_view text = stringView(s);
     if (start >= text.size()) return std::string_view();
-    return text.substr(start, count == kStringEnd ? std::string_view::npos : count);
+    return text.substr(start, count);
 }
