@@ -8,9 +8,9 @@
 // Numbers to text and back, without the C library: the systems differ there.
 
 // The one way from a double to a whole number, truncating toward zero. What is
-// beyond the range, and what is not a number, gives the smallest number of the
-// signed types. The unsigned one is clamped, with 0 for what is not a number;
-// where -1 stands for "all", take numberToInt32 and convert that.
+// beyond the range of a signed type, and what is not a number, gives its
+// smallest number. The unsigned ones are the low bits of the 64-bit number, so
+// that -1 is the largest position there is.
 constexpr int32_t numberToInt32(double value) {
     return value > -2147483649.0 && value < 2147483648.0 ? static_cast<int32_t>(value) : INT32_MIN;
 }
@@ -20,12 +20,10 @@ constexpr int64_t numberToInt64(double value) {
                : INT64_MIN;
 }
 constexpr uint32_t numberToUInt32(double value) {
-    if (!(value > 0)) return 0;
-    return value < 4294967296.0 ? static_cast<uint32_t>(value) : UINT32_MAX;
+    return static_cast<uint32_t>(numberToInt64(value));
 }
 constexpr uint64_t numberToUInt64(double value) {
-    if (!(value > 0)) return 0;
-    return value < 18446744073709551616.0 ? static_cast<uint64_t>(value) : UINT64_MAX;
+    return static_cast<uint64_t>(numberToInt64(value));
 }
 
 constexpr uint32_t kNumberTextMax = 40;
