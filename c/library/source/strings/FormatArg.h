@@ -54,6 +54,8 @@ class FormatArg {
     bool isNull() const;
     // The bytes of a text, none for a null or for another kind.
     std::string_view text() const;
+    // A text in the buffer of this string, which must not move while it is read.
+    bool refersTo(const String* s) const;
     // The number of any kind, converted as the language would and cut where it
     // must be: a double toward zero, a text to 0.
     int64_t toInt64() const;
