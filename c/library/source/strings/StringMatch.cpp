@@ -1,0 +1,174 @@
+#include "strings/StringMatch.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "containers/Memory.h"
+
+namespace {
+
+constexpr char kAnyRun = '*';
+constexpr char kAnyByte = '?';
+
+// A copy of a few bytes, on the stack when they are short.
+class BytesCopy {
+  public:
+    explicit BytesCopy(std::string_view source) : size_(source.size()) {
+        if (size_ > sizeof near_) {
+            far_ = static_cast<char*>(memAlloc(size_));
+            bytes_ = far_;
+        }
+        if (bytes_ != nullptr) std::copy(source.begin(), source.end(), bytes_);
+    }
+    ~BytesCopy() { memFree(&far_); }
+    BytesCopy(const BytesCopy&) = delete;
+    BytesCopy& operator=(const BytesCopy&) = delete;
+
+    explicit operator bool() const { return bytes_ != nullptr; }
+    std::string_view view() const { return {bytes_, size_}; }
+
+    // A to Z only, up to the first zero byte.
+    void lower() {
+        for (size_t i = 0; i < size_ && bytes_[i] != 0; ++i) {
+            if (bytes_[i] >= 'A' && bytes_[i] <= 'Z')
+                bytes_[i] = static_cast<char>(bytes_[i] - 'A' + 'a');
+        }
+    }
+
+    // Drops wildcards that stand directly behind a `*`. A `*` behind a `?` stays,
+    // but does not count as the one before for what follows.
+    void normalisePattern() {
+        size_t kept = 0;
+        char previous = 0;
+        for (size_t i = 0; i < size_; ++i) {
+            const char c = bytes_[i];
+            const bool wildcard = c == kAnyRun || c == kAnyByte;
+            if (wildcard && previous == kAnyRun) continue;
+            bytes_[kept++] = c;
+            if (c != kAnyRun || previous != kAnyByte) previous = c;
+        }
+        size_ = kept;
+    }
+
+  private:
+    char near_[256];
+    char* far_ = nullptr;
+    char* bytes_ = near_;
+    size_t size_;
+};
+
+// Whether the pattern is one that needs no walk; then `result` is settled.
+bool shortcut(std::string_view text, std::string_view q, bool* result) {
+    if (q == "*" || q == "?") {
+        *result = q[0] == kAnyRun || text.size() == 1;
+        return true;
+    }
+    if (q == "?*") {
+        *result = true;
+        return true;
+    }
+    const size_t star = q.find(kAnyRun);
+    if (q.size() < 2 || star == std::string_view::npos || star != q.rfind(kAnyRun) ||
+        q.find(kAnyByte) != std::string_view::npos)
+        return false;
+    if (star == 0) {
+        *result = text.ends_with(q.substr(1));
+        return true;
+    }
+    *result = text.starts_with(q.substr(0, star));
+    return star + 1 == q.size();
+}
+
+// The walk always ends: each byte of the text is tried at most twice, since
+// `retry` sends it back only once from the same place and never lower, and
+// each way back to behind the last star uses up a byte of the text or a try.
+bool walk(std::string_view text, std::string_view q) {
+    size_t p = 0;
+    size_t t = 0;
+    size_t starPos = 0;
+    size_t retry = 0;
+    bool star = false;
+    while (true) {
+        for (; p < q.size() && t < text.size(); ++p) {
+            if (q[p] == kAnyRun) {
+                star = true;
+                starPos = p;
+                continue;
+            }
+            const char c = text[t++];
+            if (q[p] == kAnyByte || q[p] == c) continue;
+            if (!star) return false;
+            p = starPos;
+            if (t != retry) retry = t--;
+        }
+        if (t == text.size()) return p == q.size() || (p + 1 == q.size() && q[p] == kAnyRun);
+        if (q.back() == kAnyRun) return true;
+        if (!star) return false;
+        p = starPos + 1;
+    }
+}
+
+bool matchNonEmpty(std::string_view text, std::string_view pattern, bool noCase) {
+    BytesCopy q(pattern);
+    if (!q) return false;
+    if (noCase) q.lower();
+    q.normalisePattern();
+    bool result = false;
+    if (!noCase) return shortcut(text, q.view(), &result) ? result : walk(text, q.view());
+    BytesCopy lowered(text);
+    if (!lowered) return false;
+    lowered.lower();
+    return shortcut(lowered.view(), q.view(), &result) ? result : walk(lowered.view(), q.view());
+}
+
+bool matchAt(const String* s, uint32_t pos, std::string_view pattern, bool noCase) {
+    const std::string_view text = stringView(s);
+    if (text.empty()) return pattern.empty() || pattern == "*";
+    return pos < text.size() && !pattern.empty() && matchNonEmpty(text, pattern, noCase);
+}
+
+bool matchString(const String* text, uint32_t pos, const String* pattern, bool noCase) {
+    if (text == nullptr || pattern == nullptr)
+        return text == nullptr && pattern == nullptr && pos == 0;
+    return matchAt(text, pos, stringView(pattern), noCase);
+}
+
+bool matchText(const String* text, uint32_t pos, const char* pattern, bool noCase) {
+    if (text == nullptr || pattern == nullptr)
+        return text == nullptr && pattern == nullptr && pos == 0;
+    return matchAt(text, pos, pattern, noCase);
+}
+
+}  // namespace
+
+bool stringMatch(const String* text, const String* pattern) {
+    return matchString(text, 0, pattern, false);
+}
+
+bool stringMatchText(const String* text, const char* pattern) {
+    return matchText(text, 0, pattern, false);
+}
+
+bool stringMatchNoCase(const String* text, const String* pattern) {
+    return matchString(text, 0, pattern, true);
+}
+
+bool stringMatchNoCaseText(const String* text, const char* pattern) {
+    return matchText(text, 0, pattern, true);
+}
+
+bool stringMatchAt(const String* text, uint32_t pos, const String* pattern) {
+    return matchString(text, pos, pattern, false);
+}
+
+bool stringMatchTextAt(const String* text, uint32_t pos, const char* pattern) {
+    return matchText(text, pos, pattern, false);
+}
+
+bool stringMatchNoCaseAt(const String* text, uint32_t pos, const String* pattern) {
+    return matchString(text, pos, pattern, true);
+}
+
+bool stringMatchNoCaseTextAt(const String* text, uint32_t pos, const char* pattern) {
+    return matchText(text, pos, pattern, true);
+}
