@@ -107,7 +107,7 @@ bool pathExists(const String* path);
 // Whether file information can be had.
 bool pathFileExists(const String* path);
 
-// Whether a directory, or a drive such as "c:\", is at the path.
+// Whether file information can be had, or, for a path such as "c:\", the drive is there.
 bool pathDirectoryExists(const String* path);
 
 // Whether the thing at the path is a directory.
@@ -124,7 +124,8 @@ bool pathSetCurrentDirectory(const String* path);
 bool pathMakeDirectory(const String* path);
 
 // Makes the directory of a path with all its parents. A path without a trailing
-// separator names a file, and its last component is not made.
+// separator names a file, and its last component is not made. On failure what
+// was made stays.
 bool pathMakeDirectoryPath(const String* path);
 
 // Looks for `name` in the current directory and the directories of the search

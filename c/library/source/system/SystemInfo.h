@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 struct String;
 struct Vector;
@@ -30,6 +31,10 @@ String* sysGetComputerName();
 // The computer's name without a trailing domain and the byte before it; null
 // without a domain.
 String* sysGetPlainHost();
+
+// The rule of the above: cuts the domain and the byte before it off a longer
+// name that ends with it, exactly; any other name stays whole.
+String* sysCutDomain(std::string_view host, std::string_view domain);
 
 // The machine's workgroup or domain.
 String* sysGetDomain();
