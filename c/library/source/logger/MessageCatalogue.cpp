@@ -22,9 +22,9 @@ uint32_t messageCatalogueCount() {
     return mapCount(catalogue);
 }
 
-bool messageCatalogueAdd(uint32_t number, const String* text) {
+bool messageCatalogueAdd(uint32_t number, std::string_view text) {
     void* key = keyFromUnsigned(number);
-    Owned<String> copy(stringClone(text));
+    Owned<String> copy(stringFromView(text));
     if (key == nullptr || !copy || !mapInsert(catalogue, key, copy.get())) {
         keyDestroy(&key);
         return false;

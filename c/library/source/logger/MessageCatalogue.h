@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "strings/String.h"
 
@@ -14,7 +15,7 @@ uint32_t messageCatalogueCount();
 
 // Adds a text, which is copied. An earlier text of the same number is not
 // replaced: which one a look-up finds is the tree's affair.
-bool messageCatalogueAdd(uint32_t number, const String* text);
+bool messageCatalogueAdd(uint32_t number, std::string_view text);
 
 // Gives the text, which stays the catalogue's, or null.
 const String* messageCatalogueFind(uint32_t number);
