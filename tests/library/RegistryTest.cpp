@@ -1,0 +1,196 @@
+#include "registry/Registry.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "containers/Memory.h"
+#include "platform/files.h"
+#include "platform/machine.h"
+#include "platform/registry.h"
+#include "strings/String.h"
+
+namespace {
+
+constexpr char kKey[] = "Software\\QuorelRegistryTest\\Deep\\Key";
+constexpr char kTestKey[] = "Software\\QuorelRegistryTest";
+constexpr char kStoreFile[] = "RegistryTest.db";
+
+Owned<String> text(std::string_view bytes) {
+    return Owned<String>(stringFromView(bytes));
+}
+
+// Where the registry is a file it is one of the test's own.
+class RegistryTest : public testing::Test {
+  protected:
+    void SetUp() override {
+        remove(kStoreFile);
+        osSetEnvironment("QUOREL_REGISTRY", kStoreFile);
+        osRegistryDeleteKey(kOsCurrentUser, kTestKey);
+    }
+    void TearDown() override {
+        osRegistryDeleteKey(kOsCurrentUser, kTestKey);
+        remove(kStoreFile);
+    }
+
+    RegResult get(std::string_view key, std::string_view value, std::string* found,
+                  bool* isExpand = nullptr) {
+        Owned<String> out(text("old"));
+        RegResult result =
+            regGetString(kOsCurrentUser, text(key).get(), text(value).get(), out.get(), isExpand);
+        *found = stringView(out.get());
+        return result;
+    }
+};
+
+TEST_F(RegistryTest, RootsHaveTheirExactNames) {
+    uint32_t root = 0;
+    EXPECT_TRUE(regRootFromName(text("HKEY_CURRENT_CONFIG").get(), &root));
+    EXPECT_EQ(0x80000005u, root);
+    for (const char* name : {"hkey_local_machine", "HKEY_LOCAL_MACHIN", "HKLM", ""}) {
+        EXPECT_FALSE(regRootFromName(text(name).get(), &root)) << name;
+    }
+}
+
+TEST_F(RegistryTest, NothingIsThereBeforeAWriteAndReadingMakesNothing) {
+    std::string found;
+    EXPECT_EQ(RegResult::NotFound, get(kKey, "name", &found));
+    EXPECT_EQ("old", found);
+    uint32_t number = 7;
+    Owned<String> key(text(kKey));
+    EXPECT_EQ(RegResult::NotFound,
+              regGetNumber(kOsCurrentUser, key.get(), text("n").get(), &number));
+    EXPECT_EQ(RegResult::NotFound, regGetNumber(12345, key.get(), text("n").get(), &number));
+    EXPECT_EQ(OsRegistryResult::NotFound, osRegistryDeleteValue(kOsCurrentUser, kKey, "n"));
+    EXPECT_EQ(OsRegistryResult::Failed, osRegistryDeleteKey(kOsCurrentUser, kKey));
+    OsFileInfo info;
+    EXPECT_NE(0, osFileInfo(kStoreFile, &info));
+}
+
+TEST_F(RegistryTest, TextsOfEveryTypeLoseTheirTrailingZeros) {
+    struct {
+        uint32_t type;
+        std::string_view bytes;
+        RegResult result;
+        std::string_view found;
+        bool isExpand;
+    } cases[] = {
+        {kOsRegString, {"plain", 5}, RegResult::Done, "plain", false},
+        {kOsRegExpandString, {"%x%\0", 4}, RegResult::Done, "%x%", true},
+        {kOsRegBinary, {"a\0b\0\0", 5}, RegResult::Done, {"a\0b", 3}, false},
+        {kOsRegMultiString, {"a\0b\0\0", 5}, RegResult::Done, {"a\0b", 3}, false},
+        {kOsRegString, {"", 0}, RegResult::Done, "", false},
+        {kOsRegBinary, {"\0\0", 2}, RegResult::Done, "", false},
+        {kOsRegNumber, {"\1\0\0\0", 4}, RegResult::OtherType, "old", false},
+        {11, {"12345678", 8}, RegResult::OtherType, "old", false},
+    };
+    Owned<String> key(text(kKey));
+    for (const auto& row : cases) {
+        ASSERT_EQ(RegResult::Done, regSetValue(kOsCurrentUser, key.get(), text("v").get(), row.type,
+                                               row.bytes.data(), row.bytes.size()));
+        std::string found;
+        bool isExpand = false;
+        EXPECT_EQ(row.result, get(kKey, "v", &found, &isExpand)) << row.type;
+        EXPECT_EQ(row.found, found) << row.type;
+        EXPECT_EQ(row.isExpand, isExpand) << row.type;
+    }
+}
+
+TEST_F(RegistryTest, NamesIgnoreCaseAndLongValuesComeWhole) {
+    Owned<String> key(text(kKey));
+    std::string large(100000, 'x');
+    ASSERT_EQ(RegResult::Done,
+              regSetString(kOsCurrentUser, key.get(), text("Name").get(), text("first").get()));
+    ASSERT_EQ(RegResult::Done, regSetString(kOsCurrentUser,
+                                            text("SOFTWARE\\quorelREGISTRYtest\\"
+                                                 "deep\\KEY\\")
+                                                .get(),
+                                            text("NAME").get(), text(large).get()));
+    std::string found;
+    EXPECT_EQ(RegResult::Done, get(kKey, "name", &found));
+    EXPECT_EQ(large, found);
+    EXPECT_EQ(RegResult::NotFound, get("Software\\QuorelRegistryTest\\Deep", "name", &found));
+    EXPECT_EQ(RegResult::Failed, get("\\Software", "name", &found));
+
+    EXPECT_EQ(RegResult::Done,
+              regSetNumber(kOsCurrentUser, key.get(), text("n").get(), 0xfedcba98));
+    uint32_t number = 0;
+    EXPECT_EQ(RegResult::Done, regGetNumber(kOsCurrentUser, key.get(), text("N").get(), &number));
+    EXPECT_EQ(0xfedcba98u, number);
+    EXPECT_EQ(RegResult::OtherType,
+              regGetNumber(kOsCurrentUser, key.get(), text("name").get(), &number));
+}
+
+TEST_F(RegistryTest, SubKeysAreListedAndTreesDeleted) {
+    std::string base = kTestKey;
+    for (const char* name : {"\\b\\below", "\\a", "\\C"}) {
+        ASSERT_EQ(OsRegistryResult::Done,
+                  osRegistrySet(kOsCurrentUser, base + name, "v", kOsRegString, "x"));
+    }
+    std::vector<std::string> names;
+    EXPECT_EQ(OsRegistryResult::Done, osRegistrySubKeys(kOsCurrentUser, kTestKey, &names));
+    EXPECT_EQ((std::vector<std::string>{"a", "b", "C"}), names);
+    EXPECT_EQ(OsRegistryResult::Done, osRegistryDeleteValue(kOsCurrentUser, base + "\\a", "V"));
+    EXPECT_EQ(OsRegistryResult::Failed, osRegistryDeleteValue(kOsCurrentUser, base + "\\a", "V"));
+    EXPECT_EQ(OsRegistryResult::Done, osRegistryDeleteKey(kOsCurrentUser, base + "\\b"));
+    std::string found;
+    EXPECT_EQ(RegResult::NotFound, get(base + "\\b\\below", "v", &found));
+    EXPECT_EQ(RegResult::Done, get(base + "\\c", "v", &found));
+    EXPECT_EQ(OsRegistryResult::Failed, osRegistryDeleteKey(kOsCurrentUser, ""));
+}
+
+TEST_F(RegistryTest, SettingsLieBelowTheProductsKey) {
+    Owned<String> key(text("SOFTWARE\\Quorel\\version6\\RegistryTest"));
+    Owned<String> out(text("old"));
+    EXPECT_EQ(RegResult::NotFound, getConfigString("RegistryTest", "s", out.get()));
+    regSetString(kOsLocalMachine, key.get(), text("s").get(), text("value").get());
+    regSetNumber(kOsLocalMachine, key.get(), text("n").get(), 80);
+    EXPECT_EQ(RegResult::Done, getConfigString("RegistryTest", "s", out.get()));
+    EXPECT_EQ("value", stringView(out.get()));
+    uint32_t number = 0;
+    EXPECT_EQ(RegResult::Done, getConfigNumber("RegistryTest", "n", &number));
+    EXPECT_EQ(80u, number);
+    EXPECT_EQ(RegResult::Arguments, getConfigString("RegistryTest", nullptr, out.get()));
+    EXPECT_EQ(RegResult::NotFound, getConfigString(nullptr, "s", out.get()));
+    osRegistryDeleteKey(kOsLocalMachine, "SOFTWARE\\Quorel\\version6\\RegistryTest");
+}
+
+TEST_F(RegistryTest, WritersAndReadersDoNotDisturbEachOther) {
+    constexpr int kWriters = 3;
+    constexpr int kRounds = 15;
+    std::vector<std::thread> writers;
+    for (int writer = 0; writer < kWriters; ++writer) {
+        writers.emplace_back([writer] {
+            for (int round = 0; round < kRounds; ++round) {
+                std::string name = std::to_string(writer) + "-" + std::to_string(round);
+                EXPECT_EQ(OsRegistryResult::Done,
+                          osRegistrySet(kOsCurrentUser, kKey, name, kOsRegString, name));
+                uint32_t type;
+                std::string data;
+                EXPECT_EQ(OsRegistryResult::Done,
+                          osRegistryGet(kOsCurrentUser, kKey, name, &type, &data));
+                EXPECT_EQ(name, data);
+            }
+        });
+    }
+    for (std::thread& writer : writers) writer.join();
+    std::string found;
+    EXPECT_EQ(RegResult::Done, get(kKey, "0-0", &found));
+}
+
+TEST_F(RegistryTest, MemoryThatRunsOutIsReported) {
+    Owned<String> key(text(kKey));
+    Owned<String> name(text("v"));
+    Owned<String> value(text(std::string(1000, 'x')));
+    ASSERT_EQ(RegResult::Done, regSetString(kOsCurrentUser, key.get(), name.get(), value.get()));
+    Owned<String> out(stringNewEmpty());
+    memFailAfter(0, true);
+    RegResult result = regGetString(kOsCurrentUser, key.get(), name.get(), out.get());
+    memFailAfter(-1, false);
+    EXPECT_EQ(RegResult::NoMemory, result);
+}
+
+}  // namespace
