@@ -129,7 +129,7 @@ def best(runs, rounds, compare=True):
 
 
 def resident(command):
-    """Runs a program that prints `ready` last and waits; gives its greatest resident size in KiB."""
+    """Runs a program that prints `ready` and waits; gives its greatest resident size in KiB."""
     with subprocess.Popen(command, stdin=subprocess.PIPE, stdout=subprocess.PIPE) as process:
         for line in process.stdout:
             if line.strip() == b"ready":

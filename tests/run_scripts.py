@@ -279,7 +279,8 @@ class Runner:
                 tail = process.communicate()[0][-2000:].decode("utf-8", "backslashreplace")
                 return f"not done after {seconds} seconds; the end of its output:\n{tail}\n"
             code = process.returncode if process.returncode >= 0 else 128 - process.returncode
-            return self.judge(test, *(mask(text, folder, self.program) for text in (out, err)), code)
+            out, err = (mask(text, folder, self.program) for text in (out, err))
+            return self.judge(test, out, err, code)
 
     def judge(self, test, out, err, code):
         if self.arguments.update and test.home and self.update(test, out, err, code):
@@ -337,7 +338,8 @@ def parse_arguments():
     parser.add_argument("--system", choices=("linux", "windows"), default="linux")
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     parser.add_argument("--patience", type=int, default=1, help="factor on the time limits")
-    parser.add_argument("--threads", action="store_true", help="only tests for the thread sanitizer")
+    parser.add_argument("--threads", action="store_true",
+                        help="only tests for the thread sanitizer")
     parser.add_argument("--update", action="store_true", help="rewrite the expectations")
     parser.add_argument("--count", help="file to write the numbers passed and failed to")
     parser.add_argument("filters", nargs="*", help="parts of names of tests")
