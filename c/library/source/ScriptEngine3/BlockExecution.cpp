@@ -1,0 +1,278 @@
+#include "ScriptEngine3/BlockExecution.h"
+
+#include "ScriptEngine3/EngineVariables.h"
+#include "platform/program.h"
+
+namespace {
+
+// What the deepest call of a handler may need of the stack.
+constexpr size_t kStackReserve = 256 * 1024;
+
+// Sets a result variable. They are numbers unless a script has made something
+// else of them, which then takes the text of the number as far as it can.
+inline void setResult(ScriptEngine* engine, ScriptObject* ResultVariables::*which, uint32_t id,
+                      bool value) {
+    ScriptObject* object = engine->results.*which;
+    if (object != nullptr && object->type == kTypeNumber)
+        object->number = value;
+    else
+        scriptEngineSetResultVar(engine, id, value ? "1" : "0");
+}
+
+inline void setSuccess(ScriptEngine* engine, bool value) {
+    setResult(engine, &ResultVariables::success, engine->successVar, value);
+}
+inline void setError(ScriptEngine* engine, bool value) {
+    setResult(engine, &ResultVariables::error, engine->errorVar, value);
+}
+inline void setInvalidArgs(ScriptEngine* engine, bool value) {
+    setResult(engine, &ResultVariables::invalidArgs, engine->invalidArgsVar, value);
+}
+inline void setOutOfMemory(ScriptEngine* engine, bool value) {
+    setResult(engine, &ResultVariables::outOfMemory, engine->outOfMemoryVar, value);
+}
+
+void clearResults(ScriptEngine* engine) {
+    setSuccess(engine, false);
+    setError(engine, false);
+    setInvalidArgs(engine, false);
+    setOutOfMemory(engine, false);
+}
+
+// Logs a message about a statement whose format ends in its line and file.
+void logAboutLine(ScriptEngine* engine, int level, const char* format, const ScriptLine* line) {
+    if (!logWanted(level)) return;
+    const SourceFile& source = engine->sources[line->source];
+    logAt(engine->logger, level, format, line->lineNumber, source.directory, source.fileName);
+}
+
+// Finds the function that a `call` names, by the value that the name has now.
+bool resolveCall(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
+    ScriptBlock* where = nullptr;
+    ScriptObject* name = scriptBlockSearchPlace(block, &line->args.items[0], &where);
+    if (name == nullptr) {
+        logAboutLine(engine, kLogError,
+                     "scriptEngineRunBlock: Failed to locate call function in line %u in file "
+                     "\"%S%S\" (Did you forget to quote the function name?)",
+                     line);
+        return false;
+    }
+    Owned<String> made;
+    std::string_view text;
+    if (name->type == kTypeString) {
+        text = stringView(&name->string);
+    } else {
+        made.reset(scriptObjectGetString(engine, name, block));
+        text = stringView(made.get());
+    }
+    const ScriptFunction* function = scriptEngineFindUserFunction(engine, text);
+    if (function == nullptr) {
+        logAboutLine(engine, kLogError,
+                     "scriptEngineRunBlock:  Could not find block (function?) - while executing "
+                     "script line %u in \"%S%S\"",
+                     line);
+        return false;
+    }
+    line->block = function->line->block;
+    return true;
+}
+
+// Whether a statement that changes things outside may run from its file.
+bool signatureSuffices(ScriptEngine* engine, const ScriptLine* line) {
+    if (!engine->requireSignature || !line->needsSignature) return true;
+    const SourceFile& source = engine->sources[line->source];
+    if (source.isSigned) return true;
+    logError(engine->logger,
+             "scriptEngineRunBlock: Script \"%S%S\" contains one or more commands that cannot be "
+             "executed as long as the script is not signed.",
+             source.directory, source.fileName);
+    engine->statusCode = kStatusUnsigned;
+    return false;
+}
+
+// What a handler's failure does; false when the block stops.
+bool actOnFailure(ScriptEngine* engine, int status, const ScriptLine* line) {
+    constexpr char kErrorOccurred[] =
+        "scriptEngineRunBlock: Error occurred in line %u in file \"%S%S\"";
+    switch (status) {
+        case kError:
+            logAboutLine(engine, kLogError, kErrorOccurred, line);
+            setError(engine, true);
+            return false;
+        case kInvalidArguments:
+            logAboutLine(engine, kLogError, kErrorOccurred, line);
+            setError(engine, true);
+            setInvalidArgs(engine, true);
+            return true;
+        case kOutOfMemory:
+            logAboutLine(engine, kLogError, kErrorOccurred, line);
+            setError(engine, true);
+            setOutOfMemory(engine, true);
+            return true;
+        case kInvalidCall:
+            logAboutLine(engine, kLogError,
+                         "scriptEngineRunBlock: #::11 - while executing script line %u in "
+                         "\"%S%S\", but with negative result",
+                         line);
+            return false;
+        default:
+            return true;
+    }
+}
+
+// Acts on what the handler gave back; false when the block stops.
+inline bool actOnStatus(ScriptEngine* engine, ScriptBlock* block, int status,
+                        const ScriptLine* line) {
+    if (status == kDone) {
+        logAboutLine(engine, kLogTrace,
+                     "scriptEngineRunBlock: Successfully executed script line %u in \"%S%S\"",
+                     line);
+        if (line->flow != kContinueCommand) setSuccess(engine, true);
+        return true;
+    }
+    if (status == kNegative) {
+        logAboutLine(engine, kLogTrace,
+                     "scriptEngineRunBlock: Successfully executed script line %u in \"%S%S\", but "
+                     "with negative result",
+                     line);
+        setSuccess(engine, false);
+        block->lastResult = 0;
+        return true;
+    }
+    return actOnFailure(engine, status, line);
+}
+
+enum class LineRun { GoOn, Leave, Failed, Refused };
+
+LineRun runLine(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
+    if (line->source >= engine->sources.size()) {
+        logError(engine->logger, "scriptEngineRunBlock: #::11 - Failed to get source file marker");
+        logLocation(engine->logger, kLogError);
+        return LineRun::Failed;
+    }
+    logAboutLine(engine, kLogTrace, "scriptEngineRunBlock: Executing script line %u in \"%S%S\"",
+                 line);
+    if (!signatureSuffices(engine, line)) return LineRun::Refused;
+    // A `call` has a block from its first run on, and from then on leaves the
+    // variables to the function's own statements.
+    if (line->block == kNoBlock && line->flow != kContinueCommand) clearResults(engine);
+    if (line->flow == kCallCommand && !resolveCall(engine, block, line)) return LineRun::Failed;
+    const int status = line->handler(engine, block, &line->args, line->block);
+    if (scriptTemporariesPresent()) scriptTemporariesFlush();
+    if (!actOnStatus(engine, block, status, line)) return LineRun::Failed;
+    return engine->anyPending() ? LineRun::Leave : LineRun::GoOn;
+}
+
+}  // namespace
+
+bool scriptEngineRunBlock(ScriptEngine* engine, ScriptBlock* block) {
+    block->lastResult = 1;
+    // Statements are added to a block only before it runs.
+    for (ScriptLine* line : block->shape->lines) {
+        if (line == nullptr) {
+            logError(engine->logger, "scriptEngineRunBlock: #::11");
+            logLocation(engine->logger, kLogError);
+            return false;
+        }
+        switch (runLine(engine, block, line)) {
+            case LineRun::GoOn:
+                break;
+            case LineRun::Leave:
+                return true;
+            default:
+                return false;
+        }
+    }
+    return true;
+}
+
+StackRun scriptEngineRunStack(ScriptEngine* engine, bool allowSingle) {
+    const size_t depth = engine->stack.size();
+    if (depth == 0 || (!allowSingle && depth < 2)) {
+        logError(engine->logger, "scriptEngineRunStack: #::11");
+        logLocation(engine->logger, kLogError);
+        return StackRun::Failed;
+    }
+    ScriptBlock* block = engine->stack.back();
+    StackRun result = StackRun::Failed;
+    if (osStackLeft() < kStackReserve)
+        logError(engine->logger,
+                 "scriptEngineRunStack: Blocks and functions are nested too deeply (%u)",
+                 static_cast<uint32_t>(depth));
+    else if (scriptEngineRunBlock(engine, block))
+        result = block->lastResult != 0 ? StackRun::Done : StackRun::Negative;
+    engine->stack.pop();
+    scriptBlockRetire(block);
+    return result;
+}
+
+ScriptBlock* blockPush(ScriptEngine* engine, int blockNumber, ScriptBlock* parent,
+                       PushFailure* failure) {
+    const auto number = static_cast<size_t>(blockNumber);
+    if (blockNumber < 0 || number >= engine->blocks.size() || engine->blocks[number] == nullptr) {
+        *failure = PushFailure::MissingBlock;
+        return nullptr;
+    }
+    ScriptBlock* block = scriptBlockInstantiate(engine->blocks[number], parent);
+    if (block == nullptr) {
+        *failure = PushFailure::NoInstance;
+        return nullptr;
+    }
+    if (!engine->stack.push(block)) {
+        scriptBlockRetire(block);
+        *failure = PushFailure::NoStack;
+        return nullptr;
+    }
+    *failure = PushFailure::None;
+    return block;
+}
+
+const ScriptFunction* scriptEngineFindUserFunction(const ScriptEngine* engine,
+                                                   std::string_view name) {
+    const uint32_t order = engine->functionIndex.find(name);
+    return order == NameTable::kAbsent ? nullptr : &engine->functions[order];
+}
+
+namespace {
+
+bool setTextArguments(ScriptBlock* block, const GrowArray<const String*>& args) {
+    const GrowArray<uint32_t>& params = block->shape->paramIds;
+    for (size_t at = 0; at < params.size() && at < args.size(); ++at) {
+        Owned<ScriptObject> value(scriptObjectFromLiteral(stringView(args[at])));
+        if (!value || !scriptBlockAddVar(block, params[at], value.get())) return false;
+        value.release();
+    }
+    return true;
+}
+
+}  // namespace
+
+bool scriptEngineExecuteFunction(ScriptEngine* engine, const ScriptFunction* function,
+                                 ScriptBlock* parent, const GrowArray<const String*>& args) {
+    const auto number = static_cast<uint32_t>(function->line->block);
+    PushFailure failure;
+    ScriptBlock* block = blockPush(engine, function->line->block, parent, &failure);
+    if (failure == PushFailure::MissingBlock)
+        logError(engine->logger, "scriptEngineExecuteFunction: Could not find script block %u",
+                 number);
+    else if (failure == PushFailure::NoInstance)
+        logError(engine->logger,
+                 "scriptEngineExecuteFunction: Failed to initialize script block %u", number);
+    else if (failure == PushFailure::NoStack)
+        logError(engine->logger, "scriptEngineExecuteFunction: #::100");
+    if (block == nullptr) {
+        logLocation(engine->logger, kLogError);
+        return false;
+    }
+    if (!setTextArguments(block, args)) {
+        engine->stack.pop();
+        scriptBlockRetire(block);
+        logError(engine->logger, "scriptEngineExecuteFunction: #::100");
+        return false;
+    }
+    if (scriptEngineRunStack(engine, true) != StackRun::Failed) return true;
+    logError(engine->logger, "scriptEngineExecuteFunction: Failed to execute script block %u",
+             number);
+    logLocation(engine->logger, kLogError);
+    return false;
+}

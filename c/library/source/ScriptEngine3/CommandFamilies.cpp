@@ -1,0 +1,20 @@
+#include "ScriptEngine3/CommandFamilies.h"
+
+#include "ScriptEngine3/FlowCommands.h"
+#include "ScriptEngine3Functions/ConsoleCommands.h"
+#include "ScriptEngine3Functions/DeclareCommands.h"
+#include "ScriptEngine3Functions/LogCommands.h"
+#include "ScriptEngine3Functions/MissingCommands.h"
+#include "ScriptEngine3Functions/ValueCommands.h"
+
+std::span<const CommandFamily> commandFamilies() {
+    static const CommandFamily families[] = {
+        {directiveCommands()}, {declareCommands()},   {vectorCommands()}, {listCommands()},
+        {setCommands()},       {mapCommands()},       {treeCommands()},   {fileObjectCommands()},
+        {parserCommands()},    {recordCommands()},    {configCommands()}, {stringCommands()},
+        {valueCommands()},     {flowCommands()},      {lockCommands()},   {consoleCommands()},
+        {wholeFileCommands()}, {directoryCommands()}, {timeCommands()},   {processCommands()},
+        {registryCommands()},  {systemCommands()},    {logCommands()},    {networkCommands()},
+    };
+    return families;
+}

@@ -1,0 +1,345 @@
+#include "ScriptEngine3/FlowCommands.h"
+
+#include "ScriptEngine3/BlockExecution.h"
+#include "ScriptEngine3Defs/Arguments.h"
+#include "ScriptEngine3Defs/ScriptEvaluator.h"
+#include "ScriptEngine3Defs/ScriptExpression.h"
+#include "strings/StringNumbers.h"
+
+namespace {
+
+bool nullArguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args) {
+    return engine == nullptr || block == nullptr || args == nullptr;
+}
+
+// Runs the body of a branch or a loop inside `block`. `kDone`, or the status
+// that the statement ends with, after "<name>: <message>".
+int runBody(ScriptEngine* engine, ScriptBlock* block, const char* name, int blockNumber) {
+    PushFailure failure;
+    if (blockPush(engine, blockNumber, block, &failure) == nullptr) {
+        if (failure == PushFailure::NoInstance)
+            logError(engine->logger, "%s: Failed to initialize script block %u", name,
+                     static_cast<uint32_t>(blockNumber));
+        else
+            logError(engine->logger, failure == PushFailure::NoStack ? "%s: #::100" : "%s: #::11",
+                     name);
+        return kInvalidCall;
+    }
+    if (scriptEngineRunStack(engine, true) != StackRun::Failed) return kDone;
+    logError(engine->logger, "%s: Failed to execute script block %u", name,
+             static_cast<uint32_t>(blockNumber));
+    return kError;
+}
+
+bool bodyExists(ScriptEngine* engine, const char* name, int blockNumber) {
+    if (blockNumber >= 0 && static_cast<size_t>(blockNumber) < engine->blocks.size() &&
+        engine->blocks[static_cast<size_t>(blockNumber)] != nullptr)
+        return true;
+    logError(engine->logger, "%s: #::11", name);
+    return false;
+}
+
+// The truth of a branch's condition. False when the argument cannot be fetched.
+bool branchCondition(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
+                     ScriptTruth* truth) {
+    ScriptBlock* where = nullptr;
+    ScriptObject* object = scriptBlockSearchPlace(block, &args->items[0], &where);
+    EvalResult result;
+    if (object != nullptr && object->type == kTypeExpr) {
+        if (scriptEvaluator(engine, where, object->expression, kWantTruth, &result)) {
+            *truth = static_cast<ScriptTruth>(static_cast<int>(result.number));
+            return true;
+        }
+        logError(engine->logger, "Parameter %u is not (properly) defined", 1u);
+        return false;
+    }
+    object = scriptEngineGetParam(engine, block, args, 0, kTypeUndef, true);
+    if (object == nullptr) return false;
+    *truth = scriptObjectGetBool(engine, object, block);
+    return true;
+}
+
+// What `if` does, and `elseif` when no branch before it was taken.
+int branch(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int blockNumber,
+           const char* name) {
+    if (!bodyExists(engine, name, blockNumber)) return kInvalidCall;
+    ScriptTruth truth;
+    if (!branchCondition(engine, block, args, &truth)) return kError;
+    block->lastCondition = static_cast<uint8_t>(truth);
+    if (truth == kNoTruth) {
+        logError(engine->logger, "%s: Unable to determine boolean result of condition", name);
+        logLocation(engine->logger, kLogError);
+        return kError;
+    }
+    return truth == kTrue ? runBody(engine, block, name, blockNumber) : kDone;
+}
+
+bool hasPreviousIf(ScriptEngine* engine, ScriptBlock* block, const char* name) {
+    if (block->lastCondition != kConditionNone) return true;
+    logError(engine->logger, "%s: Missing previous if", name);
+    logLocation(engine->logger, kLogError);
+    return false;
+}
+
+// An argument that a loop asks for again and again: where it stands is looked
+// up once, its value each time.
+class LoopArgument {
+  public:
+    LoopArgument(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, uint32_t index)
+        : engine_(engine), block_(block) {
+        object_ = scriptBlockSearchPlace(block, &args->items[index], nullptr);
+        if (object_ == nullptr) logError(engine->logger, "Invalid first parameter");
+    }
+    bool present() const { return object_ != nullptr; }
+    ScriptTruth truth() const {
+        if (object_->type == kTypeExpr)
+            return scriptEvaluateTruth(engine_, block_, object_->expression);
+        return scriptObjectGetBool(engine_, object_, block_);
+    }
+    void run() const {
+        EvalResult result;
+        if (object_->type == kTypeExpr)
+            scriptEvaluator(engine_, block_, object_->expression, kWantNothing, &result);
+    }
+
+  private:
+    ScriptEngine* engine_;
+    ScriptBlock* block_;
+    ScriptObject* object_;
+};
+
+// The rounds of a loop; `step` may be null.
+int rounds(ScriptEngine* engine, ScriptBlock* block, int blockNumber, const char* name,
+           const LoopArgument& condition, const LoopArgument* step) {
+    for (;;) {
+        const ScriptTruth truth = condition.truth();
+        if (truth == kFalse) return kDone;
+        if (truth == kNoTruth) {
+            logError(engine->logger, "%s: Unable to determine boolean result of condition", name);
+            return kError;
+        }
+        const int status = runBody(engine, block, name, blockNumber);
+        if (status != kDone) return status;
+        engine->continuePending = 0;
+        if (engine->breakPending) {
+            engine->breakPending = 0;
+            return kDone;
+        }
+        if (engine->returnPending || engine->exitPending) return kDone;
+        if (step != nullptr) step->run();
+    }
+}
+
+int invalidArgument(ScriptEngine* engine, uint32_t position) {
+    logError(engine->logger, "scriptEngineCall: Invalid argument no. %u", position);
+    logLocation(engine->logger, kLogError);
+    return kError;
+}
+
+ScriptObject* parameter(ScriptBlock* instance, const BlockShape::Slot& slot, uint32_t id) {
+    if (slot.isLiteral) return scriptBlockOwnLiteral(instance, scriptBlockOwnVar(instance, id));
+    if (instance->locals[slot.index] == nullptr) {
+        ScriptObject* object = scriptObjectCreate(kTypeUndef);
+        if (object == nullptr) return nullptr;
+        object->nameId = id;
+        instance->locals[slot.index] = object;
+        ++instance->declaredCount;
+    }
+    return instance->locals[slot.index];
+}
+
+// Gives the parameter the argument's value. `kDone`, or the status of the call.
+int passArgument(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg, ScriptBlock* instance,
+                 uint32_t position) {
+    ScriptBlock* where = nullptr;
+    ScriptObject* value = scriptBlockSearchPlace(block, arg, &where);
+    if (value == nullptr) return invalidArgument(engine, position);
+    EvalResult result;
+    const bool computed = value->type == kTypeExpr;
+    if (computed && !scriptEvaluator(engine, where, value->expression, kWantValue, &result))
+        return invalidArgument(engine, position);
+    Owned<ScriptObject> made(result.object);
+    const BlockShape* shape = instance->shape;
+    if (position > shape->paramSlots.size()) {
+        logError(engine->logger, "scriptEngineCall: #::11");
+        logLocation(engine->logger, kLogError);
+        return kError;
+    }
+    ScriptObject* target =
+        parameter(instance, shape->paramSlots[position - 1], shape->paramIds[position - 1]);
+    if (target == nullptr) {
+        logError(engine->logger, "scriptEngineCall: #::11");
+        return kInvalidCall;
+    }
+    if (computed && !made && scriptObjectRetype(target, kTypeNumber)) {
+        target->number = result.number;
+        return kDone;
+    }
+    if (scriptObjectAssign(engine, target, made ? made.get() : value)) return kDone;
+    logError(engine->logger, "scriptEngineCall: Failed to set parameter");
+    logLocation(engine->logger, kLogError);
+    return kError;
+}
+
+int passArguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
+                  ScriptBlock* instance) {
+    for (uint32_t position = 1; position < args->count; ++position) {
+        const int status = passArgument(engine, block, &args->items[position], instance, position);
+        if (status != kDone) return status;
+    }
+    return kDone;
+}
+
+}  // namespace
+
+int scriptEngineCall(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int blockNumber) {
+    if (nullArguments(engine, block, args)) return kInvalidCall;
+    if (!bodyExists(engine, "scriptEngineCall", blockNumber)) return kInvalidCall;
+    ScriptBlock* instance = scriptBlockInstantiate(engine->blocks[static_cast<size_t>(blockNumber)],
+                                                   engine->globalBlock);
+    if (instance == nullptr) {
+        logError(engine->logger, "scriptEngineCall: Failed to initialize script block %u",
+                 static_cast<uint32_t>(blockNumber));
+        return kInvalidCall;
+    }
+    int status = passArguments(engine, block, args, instance);
+    if (status == kDone && !engine->stack.push(instance)) {
+        logError(engine->logger, "scriptEngineCall: #::100");
+        logLocation(engine->logger, kLogError);
+        status = kError;
+    }
+    if (status != kDone) {
+        scriptBlockRetire(instance);
+        return status;
+    }
+    const StackRun run = scriptEngineRunStack(engine, true);
+    if (run == StackRun::Failed) {
+        logError(engine->logger, "scriptEngineCall: Failed to execute script block %u",
+                 static_cast<uint32_t>(blockNumber));
+        return kError;
+    }
+    if (!engine->returnPending) return run == StackRun::Negative ? kNegative : kDone;
+    engine->returnPending = 0;
+    return engine->returnValue ? kDone : kNegative;
+}
+
+int scriptEngineReturn(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
+    if (nullArguments(engine, block, args)) return kInvalidCall;
+    ScriptTruth truth = kTrue;
+    if (args->count > 0 && !branchCondition(engine, block, args, &truth)) return kError;
+    engine->returnPending = 1;
+    engine->returnValue = truth == kTrue;
+    return truth == kTrue ? kDone : kNegative;
+}
+
+int scriptEngineIf(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int blockNumber) {
+    if (nullArguments(engine, block, args)) return kInvalidCall;
+    return branch(engine, block, args, blockNumber, "scriptEngineIf");
+}
+
+int scriptEngineElseif(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
+                       int blockNumber) {
+    if (nullArguments(engine, block, args)) return kInvalidCall;
+    if (!hasPreviousIf(engine, block, "scriptEngineElseif")) return kError;
+    // A branch that was taken keeps the later ones from being asked.
+    if (block->lastCondition == kConditionTrue) return kDone;
+    return branch(engine, block, args, blockNumber, "scriptEngineElseif");
+}
+
+int scriptEngineElse(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int blockNumber) {
+    if (nullArguments(engine, block, args)) return kInvalidCall;
+    if (!hasPreviousIf(engine, block, "scriptEngineElse")) return kError;
+    if (block->lastCondition == kConditionTrue) return kDone;
+    return runBody(engine, block, "scriptEngineElse", blockNumber);
+}
+
+int scriptEngineWhile(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int blockNumber) {
+    constexpr char kName[] = "scriptEngineWhile";
+    if (nullArguments(engine, block, args)) return kInvalidCall;
+    if (!bodyExists(engine, kName, blockNumber)) return kInvalidCall;
+    const LoopArgument condition(engine, block, args, 0);
+    if (!condition.present()) return kError;
+    return rounds(engine, block, blockNumber, kName, condition, nullptr);
+}
+
+int scriptEngineFor(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int blockNumber) {
+    constexpr char kName[] = "scriptEngineFor";
+    if (nullArguments(engine, block, args)) return kInvalidCall;
+    if (!bodyExists(engine, kName, blockNumber)) return kInvalidCall;
+    if (scriptEngineGetParam(engine, block, args, 0, kTypeUndef, true) == nullptr) return kError;
+    const LoopArgument condition(engine, block, args, 1);
+    if (!condition.present()) return kError;
+    const LoopArgument step(engine, block, args, 2);
+    if (!step.present()) return kError;
+    return rounds(engine, block, blockNumber, kName, condition, &step);
+}
+
+int scriptEngineBreak(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
+    if (nullArguments(engine, block, args)) return kInvalidCall;
+    engine->breakPending = 1;
+    return kDone;
+}
+
+int scriptEngineContinue(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
+    if (nullArguments(engine, block, args)) return kInvalidCall;
+    engine->continuePending = 1;
+    return kDone;
+}
+
+int scriptEngineExit(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
+    Arguments in(engine, block, args);
+    if (in.ok() && in.count() > 0) {
+        const ScriptObject* code = in.retyped(0, kTypeNumber);
+        if (in.ok()) engine->exitValue = numberToInt32(code->number);
+    }
+    if (!in.ok()) return in.status();
+    engine->exitPending = 1;
+    return kDone;
+}
+
+namespace {
+
+int scriptEngineDirective(ScriptEngine*, ScriptBlock*, ScriptArgs*, int) {
+    return kInvalidCall;
+}
+
+constexpr CommandRow kDirectives[] = {
+    {"signature", scriptEngineDirective, 1, 1, nullptr, kAtFileLevel, false, false, kDeclaresNone,
+     kDirectiveSignature},
+    {"include", scriptEngineDirective, 1, 1, nullptr, kAtFileLevel, false, false, kDeclaresNone,
+     kDirectiveInclude},
+    {"limit", scriptEngineDirective, 1, kManyArgs, nullptr, kAtFileLevel, false, false,
+     kDeclaresNone, kDirectiveLimit},
+    {"user", scriptEngineDirective, 1, kManyArgs, nullptr, kAtFileLevel, false, false,
+     kDeclaresNone, kDirectiveUser},
+    {"group", scriptEngineDirective, 1, kManyArgs, nullptr, kAtFileLevel, false, false,
+     kDeclaresNone, kDirectiveGroup},
+    {"function", scriptEngineDirective, 1, kManyArgs, "1-100", kAtFileLevel, true, false,
+     kDeclaresNone, kDirectiveFunction},
+};
+
+constexpr CommandRow kFlowCommands[] = {
+    {"exit", scriptEngineExit, 0, 1, nullptr},
+    {"call", scriptEngineCall, 1, kManyArgs, nullptr, kInBlock, false, false, kDeclaresNone,
+     kNoDirective, kCallCommand},
+    {"return", scriptEngineReturn, 0, 1, nullptr},
+    {"if", scriptEngineIf, 1, 1, nullptr, kInBlock, true, false, kDeclaresNone, kBranchIf},
+    {"elseif", scriptEngineElseif, 1, 1, nullptr, kInBlock, true, false, kDeclaresNone,
+     kBranchElseif},
+    {"else", scriptEngineElse, 0, 0, nullptr, kInBlock, true, false, kDeclaresNone, kBranchElse},
+    {"while", scriptEngineWhile, 1, 1, nullptr, kInBlock, true},
+    {"for", scriptEngineFor, 3, 3, nullptr, kInBlock, true},
+    {"break", scriptEngineBreak, 0, 0, nullptr},
+    {"continue", scriptEngineContinue, 0, 0, nullptr, kInBlock, false, false, kDeclaresNone,
+     kNoDirective, kContinueCommand},
+};
+
+}  // namespace
+
+std::span<const CommandRow> directiveCommands() {
+    return kDirectives;
+}
+
+std::span<const CommandRow> flowCommands() {
+    return kFlowCommands;
+}

@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "ScriptEngine3Defs/ScriptEngineRecord.h"
+#include "containers/GrowArray.h"
+
+// The object of one argument, evaluated, pointers followed on demand; null
+// after a message. `type` other than undef makes the object one of that type
+// and drops what it held. The result may be shared while `type` is undef.
+ScriptObject* scriptEngineGetParam(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
+                                   uint32_t index, ScriptType type, bool followRefs);
+
+// True when the object has exactly the type; otherwise reports "Parameter %u must be ...".
+bool scriptEngineRequireType(ScriptEngine* engine, const ScriptObject* object, ScriptType type,
+                             uint32_t index);
+
+// The text of a variable as the printing commands see it: a view of the
+// variable itself where it is a string, else of `scratch`. False without a text.
+bool scriptEngineGetVarText(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg,
+                            String* scratch, std::string_view* text);
+// The same by id, as a `String` that the caller owns; null without a text.
+String* scriptEngineGetVarString(ScriptEngine* engine, ScriptBlock* block, uint32_t id);
+
+// Reads a handler's arguments, each when it is asked for, in the handler's
+// order: fetches, checks, reports, and remembers the first failure. After a
+// failure it does nothing more, and every reader gives null, 0 or an empty
+// text. What was read stays readable until the handler ends, also when a later
+// argument retypes the same object or the handler writes to it.
+class Arguments {
+  public:
+    Arguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args);
+    Arguments(const Arguments&) = delete;
+    Arguments& operator=(const Arguments&) = delete;
+
+    bool ok() const { return status_ == kDone; }
+    // `kDone`, or what the handler has to give back after a failure.
+    int status() const { return status_; }
+    uint32_t count() const { return args_ == nullptr ? 0 : args_->count; }
+    ScriptArg* arg(uint32_t index) const { return &args_->items[index]; }
+
+    // The value, of any type, pointers followed. To be read only: it may be shared.
+    ScriptObject* any(uint32_t index);
+    // The same with a pointer as it is.
+    ScriptObject* unfollowed(uint32_t index);
+    // The value, which must have the type. To be read only.
+    ScriptObject* typed(uint32_t index, ScriptType type);
+    // The text of a value that must be a string. It lives until the handler ends.
+    const String* string(uint32_t index);
+    // The value of an argument that must be a number.
+    double number(uint32_t index);
+    // An argument that the handler may change, of any type.
+    ScriptObject* target(uint32_t index);
+    // The same; it must have the type.
+    ScriptObject* target(uint32_t index, ScriptType type);
+    // The same; it is made one of the type.
+    ScriptObject* retyped(uint32_t index, ScriptType type);
+
+  private:
+    struct Loan {
+        const ScriptObject* object;
+        String text;  // a view: the bytes stay the object's
+    };
+    static constexpr uint32_t kLoans = 8;
+    static constexpr uint32_t kTargets = 8;
+
+    ScriptObject* fail();
+    ScriptObject* fetch(uint32_t index, bool followRefs);
+    ScriptObject* writable(uint32_t index, ScriptObject* object);
+    bool keepLoansOf(ScriptObject* object);
+    bool isTarget(const ScriptObject* object) const;
+    const String* lend(const ScriptObject* object);
+    const String* lendCopy(const ScriptObject* object);
+
+    ScriptEngine* engine_;
+    ScriptBlock* block_;
+    ScriptArgs* args_;
+    int status_;
+    uint32_t loanCount_ = 0;
+    uint32_t targetCount_ = 0;
+    Loan loans_[kLoans];
+    const ScriptObject* targets_[kTargets];
+};

@@ -1,0 +1,79 @@
+#include "ScriptEngine3Defs/ScriptContainers.h"
+#include "ScriptEngine3Defs/ScriptEngineRecord.h"
+
+namespace {
+
+bool isContainer(ScriptType type) {
+    return type >= kTypeList && type <= kTypeTree;
+}
+
+// Of these an assignment carries the type alone.
+bool carriesTypeOnly(ScriptType type) {
+    return type == kTypeUndef || type == kTypeExpr || type == kTypeFile || type == kTypeParser ||
+           type == kTypeConfig;
+}
+
+// To a pointer: writes through to what it refers to, or aims it when it was
+// never aimed. What it referred to may be gone.
+bool assignToPointer(ScriptEngine* engine, ScriptObject* pointer, ScriptObject* source) {
+    if (scriptPointerIsAimed(pointer)) {
+        ScriptObject* target = scriptPointerFollow(pointer);
+        if (target == nullptr || target == pointer) return false;
+        return scriptObjectAssign(engine, target, source);
+    }
+    if (source->isShared()) return false;
+    scriptPointerAim(pointer, source, nullptr);
+    return true;
+}
+
+// The value itself, into a target of the same type.
+bool copyValue(ScriptObject* target, const ScriptObject* source) {
+    switch (source->type) {
+        case kTypeNumber:
+            target->number = source->number;
+            return true;
+        case kTypeString:
+            if (source->string.length != 0) return stringSet(&target->string, &source->string);
+            stringClear(&target->string);
+            return true;
+        default:
+            return carriesTypeOnly(source->type) || scriptContainerAssign(target, source);
+    }
+}
+
+// A target of another type loses what it held, and the source may be a part of that.
+bool replaceValue(ScriptEngine* engine, ScriptObject* target, const ScriptObject* source) {
+    if (isContainer(target->type) && !carriesTypeOnly(source->type)) {
+        Owned<ScriptObject> copy(scriptObjectClone(source));
+        if (copy) {
+            scriptObjectMove(target, copy.get());
+            return true;
+        }
+    }
+    if (!scriptObjectRetype(target, source->type)) {
+        logError(engine == nullptr ? nullptr : engine->logger, "scriptObjectDefaultAssign: #::11");
+        logLocation(engine == nullptr ? nullptr : engine->logger, kLogError);
+        return false;
+    }
+    return copyValue(target, source);
+}
+
+}  // namespace
+
+bool scriptObjectAssign(ScriptEngine* engine, ScriptObject* target, ScriptObject* source) {
+    if (target == nullptr || source == nullptr) return false;
+    if (source->type == kTypePointer && target->type != kTypeUndef) {
+        source = scriptPointerFollow(source);
+        if (source == nullptr || source->type == kTypePointer) return false;
+    }
+    if (source == target) return true;
+    if (target->type == kTypePointer) return assignToPointer(engine, target, source);
+    if (source->type == kTypePointer) {
+        // Only an undef target comes here: it becomes a pointer to the pointer.
+        if (!scriptObjectRetype(target, kTypePointer)) return false;
+        scriptPointerAim(target, source, scriptPointerBlock(source));
+        return true;
+    }
+    if (target->type == source->type) return copyValue(target, source);
+    return replaceValue(engine, target, source);
+}

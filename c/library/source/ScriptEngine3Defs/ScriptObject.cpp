@@ -1,0 +1,194 @@
+#include "ScriptEngine3Defs/ScriptObject.h"
+
+#include "ScriptEngine3Defs/ScriptBlock.h"
+#include "ScriptEngine3Defs/ScriptContainers.h"
+#include "ScriptEngine3Defs/ScriptExpression.h"
+#include "containers/Pool.h"
+#include "files/BasicFile.h"
+
+namespace {
+
+struct ObjectPool {
+    ObjectPool() { poolInit(&pool, sizeof(ScriptObject)); }
+    Pool pool;
+};
+
+Pool& objectPool() {
+    static ObjectPool objects;
+    return objects.pool;
+}
+
+ScriptObject* takeRecord() {
+    auto* object = static_cast<ScriptObject*>(poolTake(&objectPool()));
+    if (object == nullptr) return nullptr;
+    object->nameId = kNoVariable;
+    object->type = kTypeUndef;
+    object->flags = 0;
+    return object;
+}
+
+// Gives an undef object the default payload of the type.
+bool makePayload(ScriptObject* object, ScriptType type) {
+    bool made = true;
+    switch (type) {
+        case kTypeUndef:
+            break;
+        case kTypeExpr:
+            object->expression = scriptExpressionCreate();
+            made = object->expression != nullptr;
+            break;
+        case kTypePointer:
+            object->pointer = {};
+            break;
+        case kTypeNumber:
+            object->number = 0;
+            break;
+        case kTypeString:
+            stringInitEmpty(&object->string);
+            break;
+        case kTypeFile:
+            object->file = bfileInit();
+            made = object->file != nullptr;
+            break;
+        case kTypeParser:
+        case kTypeConfig:
+            object->payload = nullptr;
+            break;
+        default:
+            made = scriptContainerCreate(object, type);
+            break;
+    }
+    if (made) object->type = type;
+    return made;
+}
+
+void endPayload(ScriptObject* object) {
+    switch (object->type) {
+        case kTypeString:
+            stringRelease(&object->string);
+            break;
+        case kTypeExpr:
+            scriptExpressionDestroy(&object->expression);
+            break;
+        case kTypeFile:
+            bfileDestroy(&object->file);
+            break;
+        case kTypeList:
+        case kTypeVector:
+        case kTypeSet:
+        case kTypeMap:
+        case kTypeTree:
+            scriptContainerDestroy(object);
+            break;
+        default:
+            break;
+    }
+    object->type = kTypeUndef;
+}
+
+bool clonePayload(ScriptObject* copy, const ScriptObject* source) {
+    switch (source->type) {
+        case kTypeNumber:
+            copy->number = source->number;
+            break;
+        case kTypeString:
+            stringInitEmpty(&copy->string);
+            if (!stringIsEmpty(&source->string) && !stringSet(&copy->string, &source->string))
+                return false;
+            break;
+        case kTypeExpr:
+            copy->expression = scriptExpressionClone(source->expression);
+            if (copy->expression == nullptr) return false;
+            break;
+        case kTypePointer:
+            copy->pointer = {};
+            scriptPointerAim(copy, scriptObjectResolveRef(source), scriptPointerBlock(source));
+            break;
+        case kTypeFile:
+            copy->file = bfileCopy(source->file);
+            if (copy->file == nullptr) return false;
+            break;
+        case kTypeParser:
+        case kTypeConfig:
+            copy->payload = nullptr;
+            break;
+        default:
+            return scriptContainerClone(copy, source);
+    }
+    copy->type = source->type;
+    return true;
+}
+
+}  // namespace
+
+ScriptObject* scriptObjectCreate(ScriptType type) {
+    if (type == kTypeNone || type >= kTypeCount) return nullptr;
+    Owned<ScriptObject> object(takeRecord());
+    if (!object || !makePayload(object.get(), type)) return nullptr;
+    return object.release();
+}
+
+ScriptObject* scriptObjectCreateNumber(double value) {
+    ScriptObject* object = takeRecord();
+    if (object == nullptr) return nullptr;
+    object->type = kTypeNumber;
+    object->number = value;
+    return object;
+}
+
+ScriptObject* scriptObjectCreateString(std::string_view text) {
+    Owned<ScriptObject> object(scriptObjectCreate(kTypeString));
+    if (!object || !stringAppendView(&object->string, text)) return nullptr;
+    return object.release();
+}
+
+ScriptObject* scriptObjectClone(const ScriptObject* object) {
+    if (object == nullptr || !object->hasValues()) return nullptr;
+    Owned<ScriptObject> copy(takeRecord());
+    if (!copy) return nullptr;
+    copy->nameId = object->nameId;
+    if (!clonePayload(copy.get(), object)) return nullptr;
+    return copy.release();
+}
+
+bool scriptObjectCanClone(const ScriptObject* object) {
+    if (object->type == kTypeTree) return scriptTreeCanClone(object);
+    return object->hasValues();
+}
+
+void scriptObjectDestroy(ScriptObject** object) {
+    if (object == nullptr || *object == nullptr) return;
+    ScriptObject* dead = *object;
+    *object = nullptr;
+    if (dead->type != kTypeNumber && dead->type != kTypeUndef) endPayload(dead);
+    ++dead->generation;
+    poolGive(&objectPool(), dead);
+}
+
+void scriptObjectDestroyElement(void** element) {
+    auto* object = static_cast<ScriptObject*>(*element);
+    scriptObjectDestroy(&object);
+    *element = nullptr;
+}
+
+bool scriptObjectRetype(ScriptObject* object, ScriptType type) {
+    if (object == nullptr || type == kTypeNone || type >= kTypeCount) return false;
+    if (object->type == type) return true;
+    endPayload(object);
+    return type != kTypeUndef && makePayload(object, type);
+}
+
+void scriptObjectMove(ScriptObject* target, ScriptObject* source) {
+    endPayload(target);
+    const uint32_t nameId = target->nameId;
+    const uint32_t generation = target->generation;
+    *target = *source;
+    target->nameId = nameId;
+    target->generation = generation;
+    target->flags = 0;
+    source->type = kTypeUndef;
+}
+
+void scriptObjectPoolRelease() {
+    poolDestroy(&objectPool());
+}

@@ -1,0 +1,49 @@
+#include "ScriptEngine3Defs/ScriptEngineRecord.h"
+
+uint32_t scriptVarIdCounter = 0;
+
+namespace {
+
+uint32_t handOutId(ParseTables* tables) {
+    const uint32_t id = ++tables->lastVarId;
+    if (id >= scriptVarIdCounter) scriptVarIdCounter = id + 1;
+    return id;
+}
+
+GrowArray<ScriptObject*>& temporaries() {
+    static GrowArray<ScriptObject*> objects;
+    return objects;
+}
+
+}  // namespace
+
+uint32_t scriptVarNameToId(ParseTables* tables, std::string_view name) {
+    if (tables == nullptr || !scriptObjectIsValidName(name)) return kNoVariable;
+    const uint32_t known = tables->varIds.find(name);
+    if (known != NameTable::kAbsent) return known;
+    return tables->varIds.add(name, tables->lastVarId + 1) ? handOutId(tables) : kNoVariable;
+}
+
+uint32_t scriptHiddenVarId(ParseTables* tables) {
+    return tables == nullptr ? kNoVariable : handOutId(tables);
+}
+
+uint32_t scriptAnonymousVarId() {
+    return ++scriptVarIdCounter;
+}
+
+bool scriptTemporariesAdd(ScriptObject* object) {
+    if (temporaries().push(object)) return true;
+    scriptObjectDestroy(&object);
+    return false;
+}
+
+bool scriptTemporariesPresent() {
+    return !temporaries().empty();
+}
+
+void scriptTemporariesFlush() {
+    GrowArray<ScriptObject*>& objects = temporaries();
+    for (ScriptObject*& object : objects) scriptObjectDestroy(&object);
+    objects.clear();
+}

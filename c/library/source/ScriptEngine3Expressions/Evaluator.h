@@ -1,0 +1,18 @@
+#pragma once
+
+#include "ScriptEngine3Defs/ScriptEngineRecord.h"
+#include "ScriptEngine3Defs/ScriptEvaluator.h"
+#include "ScriptEngine3Defs/ScriptExpression.h"
+
+// Makes the evaluator known to the values; counted, so that a second engine
+// does not do it again.
+bool scriptOperatorsInit();
+void scriptOperatorsDone();
+
+// Runs a program in the block; see `ScriptEvaluator`. Null arguments fail.
+bool scriptEngineRunExpression(ScriptEngine* engine, ScriptBlock* block,
+                               ScriptExpression* expression, EvalWant want, EvalResult* result);
+
+// The result as an object that the caller owns, or null.
+ScriptObject* scriptEngineEvaluate(ScriptEngine* engine, ScriptBlock* block,
+                                   ScriptExpression* expression);

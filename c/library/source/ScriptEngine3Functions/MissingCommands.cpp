@@ -1,0 +1,324 @@
+#include "ScriptEngine3Functions/MissingCommands.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "ScriptEngine3Defs/ScriptEngineRecord.h"
+#include "ScriptEngine3Functions/ConsoleCommands.h"
+
+namespace {
+
+// A name as a parameter of a template: a handler is not told its command's name.
+template <size_t N>
+struct CommandName {
+    constexpr CommandName(const char (&name)[N]) { std::copy_n(name, N, text); }
+    char text[N];
+};
+
+// As a column of the tables: the command needs a signed file.
+constexpr bool kSigned = true;
+
+template <CommandName kName>
+int missing(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
+    if (engine == nullptr || block == nullptr || args == nullptr) return kInvalidCall;
+    return scriptEngineMissingCommand(engine, kName.text);
+}
+
+constexpr CommandRow kVectorCommands[] = {
+    {"vecappend", missing<"vecappend">, 2, kManyArgs, "1"},
+    {"vecinsert", missing<"vecinsert">, 3, 3, "1"},
+    {"vecset", missing<"vecset">, 3, 3, "1"},
+    {"vecerase", missing<"vecerase">, 2, 3, "1"},
+    {"vecget", missing<"vecget">, 3, 3, "1,3"},
+    {"vecgetfirst", missing<"vecgetfirst">, 2, 2, "1,2"},
+    {"vecgetlast", missing<"vecgetlast">, 2, 2, "1,2"},
+    {"vecgetnext", missing<"vecgetnext">, 2, 2, "1,2"},
+    {"vecsetcur", missing<"vecsetcur">, 2, 2, "1"},
+    {"vecclear", missing<"vecclear">, 1, 1, "1"},
+};
+
+constexpr CommandRow kListCommands[] = {
+    {"listappend", missing<"listappend">, 2, kManyArgs, "1"},
+    {"listpush", missing<"listpush">, 2, kManyArgs, "1"},
+    {"listinsert", missing<"listinsert">, 2, 2, "1"},
+    {"listerase", missing<"listerase">, 1, 1, "1"},
+    {"listgetfirst", missing<"listgetfirst">, 2, 2, "1,2"},
+    {"listgetlast", missing<"listgetlast">, 2, 2, "1,2"},
+    {"listgetnext", missing<"listgetnext">, 2, 2, "1,2"},
+    {"listsetcur", missing<"listsetcur">, 2, 2, "1"},
+    {"listclear", missing<"listclear">, 1, 1, "1"},
+};
+
+constexpr CommandRow kSetCommands[] = {
+    {"setinsert", missing<"setinsert">, 2, kManyArgs, "1"},
+    {"seterase", missing<"seterase">, 2, 2, "1"},
+    {"sethaveelement", missing<"sethaveelement">, 2, 2, "1"},
+    {"setgetfirst", missing<"setgetfirst">, 2, 2, "1,2"},
+    {"setgetlast", missing<"setgetlast">, 2, 2, "1,2"},
+    {"setgetnext", missing<"setgetnext">, 2, 2, "1,2"},
+    {"setclear", missing<"setclear">, 1, 1, "1"},
+};
+
+constexpr CommandRow kMapCommands[] = {
+    {"mapinsert", missing<"mapinsert">, 3, 3, "1"},
+    {"mapset", missing<"mapset">, 3, 3, "1"},
+    {"maperase", missing<"maperase">, 2, 2, "1"},
+    {"maphaveelement", missing<"maphaveelement">, 2, 2, "1"},
+    {"mapget", missing<"mapget">, 3, 3, "1,3"},
+    {"mapgetfirst", missing<"mapgetfirst">, 3, 3, "1-3"},
+    {"mapgetlast", missing<"mapgetlast">, 3, 3, "1-3"},
+    {"mapgetnext", missing<"mapgetnext">, 3, 3, "1-3"},
+    {"mapsetcur", missing<"mapsetcur">, 2, 2, "1"},
+    {"mapclear", missing<"mapclear">, 1, 1, "1"},
+};
+
+constexpr CommandRow kTreeCommands[] = {
+    {"treeaddnode", missing<"treeaddnode">, 3, 3, "1"},
+    {"treeset", missing<"treeset">, 3, 3, "1"},
+    {"treecopynode", missing<"treecopynode">, 4, 4, "1,2"},
+    {"treeerase", missing<"treeerase">, 2, 2, "1"},
+    {"treehaveelement", missing<"treehaveelement">, 2, 2, "1"},
+    {"treehavesub", missing<"treehavesub">, 2, 2, "1"},
+    {"treeget", missing<"treeget">, 3, 3, "1,3"},
+    {"treegetsub", missing<"treegetsub">, 3, 3, "1,3"},
+    {"treeclear", missing<"treeclear">, 1, 1, "1"},
+};
+
+constexpr CommandRow kFileObjectCommands[] = {
+    {"fileopen", missing<"fileopen">, 3, 3, "1"},
+    {"fileclose", missing<"fileclose">, 1, 1, "1"},
+    {"fileread", missing<"fileread">, 3, 3, "1,3"},
+    {"filereadline", missing<"filereadline">, 2, 2, "1,2"},
+    {"filereaduntil", missing<"filereaduntil">, 3, 3, "1,3"},
+    {"filewrite", missing<"filewrite">, 2, 2, "1", kInBlock, false, kSigned},
+    {"filewriteline", missing<"filewriteline">, 2, 2, "1", kInBlock, false, kSigned},
+    {"fileateof", missing<"fileateof">, 1, 1, "1"},
+};
+
+constexpr CommandRow kParserCommands[] = {
+    {"parserparse", missing<"parserparse">, 4, 4, "1,4"},
+    {"parsergetsize", missing<"parsergetsize">, 3, 3, "1,3"},
+    {"parserblocking", missing<"parserblocking">, 4, 4, "1,4"},
+    {"parservblocking", missing<"parservblocking">, 4, 4, "1,4"},
+    {"parsertrim", missing<"parsertrim">, 3, 4, "1"},
+    {"parserpad", missing<"parserpad">, 4, 4, "1"},
+    {"parserfilter", missing<"parserfilter">, 3, 3, "1"},
+    {"parseritemize", missing<"parseritemize">, 4, 4, "1,4"},
+    {"parserrecordize", missing<"parserrecordize">, 4, 4, "1,4"},
+    {"parsergetlines", missing<"parsergetlines">, 3, 3, "1,3"},
+    {"parsersort", missing<"parsersort">, 3, 3, "1"},
+    {"parserdiff", missing<"parserdiff">, 4, 4, "1,4"},
+};
+
+constexpr CommandRow kRecordCommands[] = {
+    {"recdiff", missing<"recdiff">, 3, 3, "1,3"},
+    {"reccut", missing<"reccut">, 3, 4, "1"},
+    {"recsort", missing<"recsort">, 1, 1, "1"},
+};
+
+constexpr CommandRow kConfigCommands[] = {
+    {"confload", missing<"confload">, 2, 2, "1"},
+    {"confsave", missing<"confsave">, 2, 2, "1", kInBlock, false, kSigned},
+    {"confset", missing<"confset">, 3, 3, "1"},
+    {"confget", missing<"confget">, 3, 4, "1,3,4"},
+    {"confsetmulti", missing<"confsetmulti">, 3, 3, "1,3"},
+    {"confgetmulti", missing<"confgetmulti">, 3, 4, "1,3,4"},
+    {"confgetsub", missing<"confgetsub">, 3, 3, "1,3"},
+    {"confhave", missing<"confhave">, 2, 2, "1"},
+};
+
+constexpr CommandRow kStringCommands[] = {
+    {"strsplit", missing<"strsplit">, 3, kManyArgs, "3-100"},
+    {"strtovector", missing<"strtovector">, 3, 4, "3"},
+    {"strtolist", missing<"strtolist">, 3, 4, "3"},
+    {"strtoset", missing<"strtoset">, 3, 4, "3"},
+    {"strtomap", missing<"strtomap">, 4, 5, "4"},
+    {"strreplace", missing<"strreplace">, 3, 3, "1"},
+    {"strfind", missing<"strfind">, 3, 5, "1"},
+    {"strfindreverse", missing<"strfindreverse">, 3, 5, "1"},
+    {"strsub", missing<"strsub">, 4, 4, "4"},
+    {"strinsert", missing<"strinsert">, 3, 3, "1"},
+    {"strerase", missing<"strerase">, 3, 3, "1"},
+    {"strpatternmatch", missing<"strpatternmatch">, 2, 3, nullptr},
+    {"strlower", missing<"strlower">, 2, 2, "2"},
+    {"strupper", missing<"strupper">, 2, 2, "2"},
+    {"strtrim", missing<"strtrim">, 2, 2, "2"},
+    {"stralign", missing<"stralign">, 4, 4, "1"},
+    {"strisnumber", missing<"strisnumber">, 1, 1, nullptr},
+    {"strmakelines", missing<"strmakelines">, 2, 3, "1"},
+    {"strdiff", missing<"strdiff">, 4, 4, "4"},
+};
+
+constexpr CommandRow kLockCommands[] = {
+    {"setlock", missing<"setlock">, 1, 2, nullptr},
+    {"removelock", missing<"removelock">, 1, 1, nullptr},
+};
+
+constexpr CommandRow kWholeFileCommands[] = {
+    {"filetostr", missing<"filetostr">, 2, 2, "2"},
+    {"strtofile", missing<"strtofile">, 2, 2, nullptr, kInBlock, false, kSigned},
+    {"appendstrtofile", missing<"appendstrtofile">, 2, 2, nullptr, kInBlock, false, kSigned},
+    {"filetovector", missing<"filetovector">, 2, 2, "2"},
+    {"vectortofile", missing<"vectortofile">, 2, 2, "1", kInBlock, false, kSigned},
+    {"filetolist", missing<"filetolist">, 2, 2, "2"},
+    {"listtofile", missing<"listtofile">, 2, 2, "1", kInBlock, false, kSigned},
+    {"filetoset", missing<"filetoset">, 2, 2, "2"},
+    {"settofile", missing<"settofile">, 2, 2, "1", kInBlock, false, kSigned},
+    {"filetomap", missing<"filetomap">, 3, 3, "3"},
+    {"maptofile", missing<"maptofile">, 3, 3, "1", kInBlock, false, kSigned},
+    {"filetolines", missing<"filetolines">, 2, kManyArgs, "2-100"},
+    {"linestofile", missing<"linestofile">, 2, kManyArgs, nullptr, kInBlock, false, kSigned},
+};
+
+constexpr CommandRow kDirectoryCommands[] = {
+    {"cd", missing<"cd">, 1, 1, nullptr},
+    {"getcd", missing<"getcd">, 1, 1, "1"},
+    {"getfiles", missing<"getfiles">, 3, 3, "3"},
+    {"getsubdirs", missing<"getsubdirs">, 3, 3, "3"},
+    {"copy", missing<"copy">, 2, 2, nullptr, kInBlock, false, kSigned},
+    {"move", missing<"move">, 2, 2, nullptr, kInBlock, false, kSigned},
+    {"delete", missing<"delete">, 1, 1, nullptr, kInBlock, false, kSigned},
+    {"makedir", missing<"makedir">, 1, 1, nullptr, kInBlock, false, kSigned},
+    {"copydir", missing<"copydir">, 2, 2, nullptr, kInBlock, false, kSigned},
+    {"movedir", missing<"movedir">, 2, 2, nullptr, kInBlock, false, kSigned},
+    {"deldir", missing<"deldir">, 1, 1, nullptr, kInBlock, false, kSigned},
+    {"exists", missing<"exists">, 1, 1, nullptr},
+    {"isdiff", missing<"isdiff">, 2, 2, nullptr},
+    {"bundle", missing<"bundle">, 2, 4, nullptr, kInBlock, false, kSigned},
+    {"explode", missing<"explode">, 2, 3, nullptr, kInBlock, false, kSigned},
+    {"attachbundle", missing<"attachbundle">, 2, 2, nullptr, kInBlock, false, kSigned},
+    {"zip", missing<"zip">, 2, 3, nullptr, kInBlock, false, kSigned},
+    {"chmod", missing<"chmod">, 2, 2, nullptr, kInBlock, false, kSigned},
+    {"exemod", missing<"exemod">, 1, 1, nullptr, kInBlock, false, kSigned},
+    {"tempfile", missing<"tempfile">, 3, 3, "3"},
+    {"getdirname", missing<"getdirname">, 2, 2, "2"},
+    {"getbasename", missing<"getbasename">, 2, 12, "2"},
+    {"getsuffix", missing<"getsuffix">, 2, 2, "2"},
+    {"findpath", missing<"findpath">, 2, 2, "2"},
+};
+
+constexpr CommandRow kTimeCommands[] = {
+    {"time", missing<"time">, 1, 1, "1", kAnywhere}, {"timetostr", missing<"timetostr">, 2, 2, "2"},
+    {"strtotime", missing<"strtotime">, 2, 2, "2"},  {"localtime", missing<"localtime">, 2, 2, "2"},
+    {"gmtime", missing<"gmtime">, 2, 2, "2"},        {"maketime", missing<"maketime">, 2, 2, "2"},
+    {"sleep", missing<"sleep">, 1, 1, nullptr},      {"gettick", missing<"gettick">, 1, 1, "1"},
+};
+
+constexpr CommandRow kProcessCommands[] = {
+    {"exec", missing<"exec">, 5, 6, "4,5", kInBlock, false, kSigned},
+    {"pipeexec", missing<"pipeexec">, 7, 7, "4-7", kInBlock, false, kSigned},
+    {"spawn", missing<"spawn">, 3, 5, "3,4,5", kInBlock, false, kSigned},
+    {"stop", missing<"stop">, 2, 2, nullptr, kInBlock, false, kSigned},
+    {"kill", missing<"kill">, 1, 1, nullptr, kInBlock, false, kSigned},
+    {"isrunning", missing<"isrunning">, 1, 1, nullptr},
+    {"system", missing<"system">, 1, 2, "2", kInBlock, false, kSigned},
+    {"getrunningprocesses", missing<"getrunningprocesses">, 1, 1, "1"},
+    {"getprocessinfo", missing<"getprocessinfo">, 2, 2, "2"},
+    {"getprocessinstances", missing<"getprocessinstances">, 3, 3, "3"},
+    {"getpid", missing<"getpid">, 1, 1, nullptr},
+    {"checksignals", scriptEngineCheckSignals, 1, 1, nullptr},
+};
+
+constexpr CommandRow kRegistryCommands[] = {
+    {"getreg", missing<"getreg">, 5, 5, "4,5"},
+    {"setreg", missing<"setreg">, 5, 5, "5", kInBlock, false, kSigned},
+    {"delregvalue", missing<"delregvalue">, 3, 3, "3", kInBlock, false, kSigned},
+    {"delregkey", missing<"delregkey">, 2, 2, "2", kInBlock, false, kSigned},
+    {"getregsubkeys", missing<"getregsubkeys">, 3, 3, "2,3"},
+    {"setglobalfile", missing<"setglobalfile">, 1, 1, nullptr, kInBlock, false, kSigned},
+    {"getglobal", missing<"getglobal">, 3, 3, "2,3"},
+    {"setglobal", missing<"setglobal">, 3, 3, "3", kInBlock, false, kSigned},
+    {"delglobal", missing<"delglobal">, 2, 2, "2", kInBlock, false, kSigned},
+    {"getglobreg", missing<"getglobreg">, 2, 2, "2"},
+    {"setglobreg", missing<"setglobreg">, 2, 2, nullptr, kInBlock, false, kSigned},
+    {"delglobreg", missing<"delglobreg">, 1, 1, nullptr, kInBlock, false, kSigned},
+};
+
+constexpr CommandRow kSystemCommands[] = {
+    {"getenv", missing<"getenv">, 2, 2, "2"},
+    {"setenv", missing<"setenv">, 2, 2, nullptr},
+    {"confpatch", missing<"confpatch">, 3, 3, nullptr, kInBlock, false, kSigned},
+    {"service", missing<"service">, 3, 3, "3", kInBlock, false, kSigned},
+};
+
+constexpr CommandRow kNetworkCommands[] = {
+    {"connect", missing<"connect">, 3, 3, nullptr},
+    {"closeconnection", missing<"closeconnection">, 1, 1, nullptr},
+    {"startlistener", missing<"startlistener">, 1, 1, nullptr},
+    {"endlistener", missing<"endlistener">, 1, 1, nullptr},
+    {"getnextconn", missing<"getnextconn">, 2, 4, "2,3,4"},
+    {"sendraw", missing<"sendraw">, 3, 3, nullptr},
+    {"sendstring", missing<"sendstring">, 2, 2, nullptr},
+    {"sendnumber", missing<"sendnumber">, 2, 2, nullptr},
+    {"sendlist", missing<"sendlist">, 2, 2, "2"},
+    {"sendmap", missing<"sendmap">, 2, 2, "2"},
+    {"recvraw", missing<"recvraw">, 3, 3, "2"},
+    {"recvstring", missing<"recvstring">, 2, 2, "2"},
+    {"recvnumber", missing<"recvnumber">, 2, 2, "2"},
+    {"recvlist", missing<"recvlist">, 2, 2, "2"},
+    {"recvmap", missing<"recvmap">, 2, 2, "2"},
+    {"tonetworkbyteorder", missing<"tonetworkbyteorder">, 2, 2, "2"},
+    {"fromnetworkbyteorder", missing<"fromnetworkbyteorder">, 2, 2, "2"},
+};
+
+}  // namespace
+
+int scriptEngineMissingCommand(ScriptEngine* engine, const char* name) {
+    logError(engine->logger, "The command \"%s\" is missing from this build", name);
+    return kError;
+}
+
+std::span<const CommandRow> vectorCommands() {
+    return kVectorCommands;
+}
+std::span<const CommandRow> listCommands() {
+    return kListCommands;
+}
+std::span<const CommandRow> setCommands() {
+    return kSetCommands;
+}
+std::span<const CommandRow> mapCommands() {
+    return kMapCommands;
+}
+std::span<const CommandRow> treeCommands() {
+    return kTreeCommands;
+}
+std::span<const CommandRow> fileObjectCommands() {
+    return kFileObjectCommands;
+}
+std::span<const CommandRow> parserCommands() {
+    return kParserCommands;
+}
+std::span<const CommandRow> recordCommands() {
+    return kRecordCommands;
+}
+std::span<const CommandRow> configCommands() {
+    return kConfigCommands;
+}
+std::span<const CommandRow> stringCommands() {
+    return kStringCommands;
+}
+std::span<const CommandRow> lockCommands() {
+    return kLockCommands;
+}
+std::span<const CommandRow> wholeFileCommands() {
+    return kWholeFileCommands;
+}
+std::span<const CommandRow> directoryCommands() {
+    return kDirectoryCommands;
+}
+std::span<const CommandRow> timeCommands() {
+    return kTimeCommands;
+}
+std::span<const CommandRow> processCommands() {
+    return kProcessCommands;
+}
+std::span<const CommandRow> registryCommands() {
+    return kRegistryCommands;
+}
+std::span<const CommandRow> systemCommands() {
+    return kSystemCommands;
+}
+std::span<const CommandRow> networkCommands() {
+    return kNetworkCommands;
+}

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <span>
+
+#include "ScriptEngine3Defs/CommandDef.h"
+
+// Commands whose families are not built yet. They are registered with their
+// rules, so that a script that uses them parses; when one runs it fails.
+
+// Logs that the command is missing from this build; gives the status for it.
+int scriptEngineMissingCommand(ScriptEngine* engine, const char* name);
+
+std::span<const CommandRow> vectorCommands();
+std::span<const CommandRow> listCommands();
+std::span<const CommandRow> setCommands();
+std::span<const CommandRow> mapCommands();
+std::span<const CommandRow> treeCommands();
+std::span<const CommandRow> fileObjectCommands();
+std::span<const CommandRow> parserCommands();
+std::span<const CommandRow> recordCommands();
+std::span<const CommandRow> configCommands();
+std::span<const CommandRow> stringCommands();
+std::span<const CommandRow> lockCommands();
+std::span<const CommandRow> wholeFileCommands();
+std::span<const CommandRow> directoryCommands();
+std::span<const CommandRow> timeCommands();
+std::span<const CommandRow> processCommands();
+std::span<const CommandRow> registryCommands();
+std::span<const CommandRow> systemCommands();
+std::span<const CommandRow> networkCommands();
