@@ -1,7 +1,11 @@
 # plaincast_test(NAME ROOM...), in alphabetical order of the names.
+plaincast_test(BasicFileTest files)
 plaincast_test(BasicStreamTest streams)
+plaincast_test(CalendarTest time)
 plaincast_test(ListTest containers)
 plaincast_test(LockTest containers)
+plaincast_test(LogMessagesTest logmessages)
+plaincast_test(LoggerTest logger)
 plaincast_test(PathTreeTest pathtree)
 plaincast_test(PatternMatchTest strings)
 plaincast_test(PoolTest containers)
@@ -13,3 +17,6 @@ plaincast_test(StringNumbersTest strings)
 plaincast_test(StringTest strings)
 plaincast_test(ThreadTest threads)
 plaincast_test(VectorTest containers)
+plaincast_test(ZFileTest files)
+configure_file(${PROJECT_SOURCE_DIR}/programs/utilities/plaincast/logmsg.conf
+    ${CMAKE_CURRENT_BINARY_DIR}/logmsg.conf COPYONLY)  # LogMessagesTest reads it

@@ -1,0 +1,118 @@
+#include <gtest/gtest.h>
+
+#include "platform/clock.h"
+#include "time/Calendar.h"
+#include "time/Time.h"
+#include "time/Zones.h"
+
+namespace {
+
+struct Date {
+    uint32_t year, month, day;
+};
+
+TEST(Calendar, KnowsWeekdayDayAndWeek) {
+    struct Case {
+        Date date;
+        uint32_t weekday, dayOfYear, week;
+    };
+    constexpr Case kCases[] = {
+        {{1900, 1, 1}, 1, 1, 1},
+        {{1901, 1, 1}, 2, 1, 1},
+        {{2000, 2, 29}, 2, 60, 9},
+        {{2009, 3, 12}, 4, 71, 11},
+        {{2011, 1, 1}, 6, 1, 1},
+        {{2011, 12, 31}, 6, 365, 53},
+        {{2022, 1, 4}, 2, 4, 1},
+        {{2004, 12, 31}, 5, 366, 53},
+        {{1900, 2, 29}, kNoDate, kNoDate, kNoDate},
+        {{1899, 12, 31}, kNoDate, kNoDate, kNoDate},
+        {{2000, 13, 1}, kNoDate, kNoDate, kNoDate},
+        {{2000, 4, 31}, kNoDate, kNoDate, kNoDate},
+        {{2000, 1, 0}, kNoDate, kNoDate, kNoDate},
+    };
+    for (const auto& [d, weekday, dayOfYear, week] : kCases) {
+        EXPECT_EQ(weekday, dateWeekday(d.year, d.month, d.day)) << d.year << '-' << d.month;
+        EXPECT_EQ(dayOfYear, dateDayOfYear(d.year, d.month, d.day)) << d.year << '-' << d.month;
+        EXPECT_EQ(week, dateWeekNumber(d.year, d.month, d.day)) << d.year << '-' << d.month;
+    }
+}
+
+TEST(Calendar, BreaksEveryDayDownToWhatItIsMadeOf) {
+    Date expected{kFirstYear, 1, 1};
+    for (Time day = 0; expected.year < 2410; ++day) {
+        const Time time = day * kMsPerDay + 86399999;
+        DateTime fields;
+        dateTimeSet(&fields, time);
+        ASSERT_EQ(expected.year, fields.date.year) << day;
+        ASSERT_EQ(expected.month, fields.date.month) << day;
+        ASSERT_EQ(expected.day, fields.date.day) << day;
+        Time back = 0;
+        ASSERT_TRUE(dateTimeToTime(&back, &fields));
+        ASSERT_EQ(time, back);
+        if (++expected.day <= dateDaysInMonth(expected.year, expected.month)) continue;
+        expected.day = 1;
+        if (++expected.month > 12) ++expected.year, expected.month = 1;
+    }
+}
+
+TEST(Calendar, RefusesFieldsThatAreOutOfRange) {
+    constexpr uint32_t kBad[][7] = {
+        {1899, 1, 1, 0, 0, 0, 0},  {kDateFieldLeftOut, 1, 1, 0, 0, 0, 0},
+        {2000, 0, 1, 0, 0, 0, 0},  {2001, 2, 29, 0, 0, 0, 0},
+        {2000, 1, 1, 24, 0, 0, 0}, {2000, 1, 1, 0, 60, 0, 0},
+        {2000, 1, 1, 0, 0, 60, 0}, {2000, 1, 1, 0, 0, 0, 1000},
+    };
+    Time time = 7;
+    for (const auto& f : kBad)
+        EXPECT_FALSE(timeFromFields(&time, f[0], f[1], f[2], f[3], f[4], f[5], f[6])) << f[0];
+    EXPECT_EQ(7u, time);
+    // Absurd counts end soon and crash nothing.
+    DateTime fields;
+    dateTimeSet(&fields, ~Time{0});
+    EXPECT_GE(31u, fields.date.day);
+}
+
+TEST(Calendar, CountsSecondsFrom1970ByTheClockThatIsSet) {
+    OsVirtualClock clock;
+    osVirtualClock = &clock;
+    clock.utc = 1236866709123;
+    EXPECT_EQ(1236866709, timeToEpoch(timeNow()));
+    osVirtualClock = nullptr;
+    EXPECT_EQ(kEpoch, timeFromEpoch(0));
+    EXPECT_EQ(1236866709000 + kEpoch, timeFromEpoch(1236866709));
+    EXPECT_LT(1000000000000, timeToEpoch(kEpoch - 1)) << "before 1970 there is no meaning";
+}
+
+TEST(Zones, ApplyAndRemoveAreEachOthersInverse) {
+    Owned<DateTime> fields(timeToDateTime(timeFromEpoch(1236866709)));
+    const TimeZone zone{19 * 60 + 30};
+    EXPECT_FALSE(zoneRemove(&zone, fields.get())) << "it is UTC";
+    ASSERT_TRUE(zoneApply(&zone, fields.get()));
+    EXPECT_EQ(13u, fields->date.day);
+    EXPECT_EQ(9u, fields->clock.hour);
+    EXPECT_EQ(35u, fields->clock.minute);
+    EXPECT_EQ(0, fields->isUtc);
+    EXPECT_EQ(zone.offset, fields->zoneOffset);
+    ASSERT_TRUE(zoneRemove(&zone, fields.get()));
+    EXPECT_EQ(12u, fields->date.day);
+    EXPECT_EQ(14u, fields->clock.hour);
+    EXPECT_EQ(kZoneNotSet, fields->zoneOffset);
+    fields->isUtc = 0;
+    fields->date.month = 13;
+    EXPECT_FALSE(zoneApply(&zone, fields.get()));
+    EXPECT_EQ(13u, fields->date.month);
+}
+
+TEST(Zones, OffsetAgreesWithTheSystemAlsoBefore1970) {
+    OsTimeOfDay local{};
+    OsTimeOfDay utc{};
+    ASSERT_TRUE(osTimeOfDayLocal(86400 * 365, &local) && osTimeOfDayUtc(86400 * 365, &utc));
+    const int minutes = (local.hour - utc.hour) * 60 + local.minute - utc.minute;
+    const int32_t offset = zoneOffsetAt(timeFromEpoch(86400 * 365));
+    EXPECT_EQ(0, (offset - minutes) % 1440);
+    EXPECT_GT(1440, offset);
+    EXPECT_GT(1440, zoneOffsetAt(0));
+}
+
+}  // namespace
