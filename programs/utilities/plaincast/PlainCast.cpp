@@ -1,0 +1,108 @@
+#include "PlainCast.h"
+
+#include <algorithm>
+
+#include "AppCommands.h"
+#include "logger/LogMessages.h"
+#include "threads/QuitFlag.h"
+
+namespace Quorel {
+
+namespace {
+
+// The longest time between two looks at what ends a wait.
+constexpr uint32_t kPollMilliseconds = 100;
+// How long the end of the program waits for the update thread's.
+constexpr uint32_t kShutdownMilliseconds = 100;
+
+PlainCast* theProgram = nullptr;
+
+}  // namespace
+
+PlainCast::PlainCast() {
+    theProgram = this;
+    threadModuleInit();
+}
+
+PlainCast::~PlainCast() {
+    Thread* thread = updateThread_.thread();
+    {
+        const std::lock_guard hold(shutdownOrder_);
+        quitFlagSet();
+        scriptEngineDestroy(&engine_);
+        logVerbose(logger(), "PlainCast::~PlainCast: Terminating");
+    }
+    threadWait(thread, kShutdownMilliseconds);
+    threadModuleDone();
+    logVerbose(logger(), "PlainCast::~PlainCast: Terminated");
+    logShutdown();
+    if (logSink_ != nullptr) logMessagesDone();
+    logConsoleDestroy(&logSink_);
+    delete logShell_;
+    theProgram = nullptr;
+}
+
+PlainCast* PlainCast::current() {
+    return theProgram;
+}
+
+bool PlainCast::run() {
+    if (logShell_ == nullptr) return false;
+    if (helpShown_ || parseOnly_) return true;
+    if (!updateThread_.start()) {
+        const Thread* thread = updateThread_.thread();
+        const String* name = thread == nullptr ? nullptr : thread->name;
+        logFatal(logger(), "PlainCast::run: Failed to start thread \"%S\"", name);
+        return false;
+    }
+    updateAnnounced_.wait();
+    logInfo(logger(), "PlainCast::run: Running");
+    if (!quitFlagIsSet()) runScript();
+    logVerbose(logger(), "PlainCast::run: Finished executing the script");
+    if (timeNow() < runUntil)
+        logDebug(logger(), "PlainCast::run: Waiting for designated run time to expire");
+    waitForRunTime();
+    logInfo(logger(), "PlainCast::run: Exited run");
+    return true;
+}
+
+void PlainCast::runScript() {
+    threadTouch(nullptr);
+    if (threadQuitRequested()) return;
+    if (runUsageFunction_) startFunction_ = "usage";
+    if (scriptEngineRun(engine_, startFunction_.string())) return;
+    logFatal(logger(), "PlainCast::run: #::1102");
+    logLocation(logger(), kLogFatal);
+}
+
+void PlainCast::waitForRunTime() {
+    while (!quitFlagIsSet()) {
+        const Time now = timeNow();
+        if (now >= runUntil || engine_->exitPending != 0) return;
+        threadTouch(nullptr);
+        if (threadQuitRequested()) return;
+        sleepInterruptible(
+            static_cast<uint32_t>(std::min<Time>(runUntil - now, kPollMilliseconds)));
+    }
+}
+
+unsigned PlainCast::update(Thread* thread) {
+    auto* program = static_cast<PlainCast*>(thread->data);
+    logDebug(program->logger(), "PlainCast::update: Starting");
+    program->updateAnnounced_.count_down();
+    while (!quitFlagIsSet()) {
+        threadTouch(thread);
+        if (threadQuitRequested()) break;
+        sleepInterruptible(kPollMilliseconds);
+    }
+    const std::lock_guard hold(program->shutdownOrder_);
+    logDebug(program->logger(), "PlainCast::update: Detected quit signal");
+    return 0;
+}
+
+int PlainCast::exitCode() const {
+    if (engine_ == nullptr) return 0;
+    return engine_->exitPending != 0 ? engine_->exitValue : engine_->statusCode;
+}
+
+}  // namespace Quorel
