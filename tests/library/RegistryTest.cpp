@@ -63,7 +63,6 @@ TEST_F(RegistryTest, NothingIsThereBeforeAWriteAndReadingMakesNothing) {
     Owned<String> key(text(kKey));
     EXPECT_EQ(RegResult::NotFound,
               regGetNumber(kOsCurrentUser, key.get(), text("n").get(), &number));
-    EXPECT_EQ(RegResult::NotFound, regGetNumber(12345, key.get(), text("n").get(), &number));
     EXPECT_EQ(OsRegistryResult::NotFound, osRegistryDeleteValue(kOsCurrentUser, kKey, "n"));
     EXPECT_EQ(OsRegistryResult::Failed, osRegistryDeleteKey(kOsCurrentUser, kKey));
     OsFileInfo info;
@@ -172,7 +171,7 @@ TEST_F(RegistryTest, WritersAndReadersDoNotDisturbEachOther) {
                 std::string data;
                 EXPECT_EQ(OsRegistryResult::Done,
                           osRegistryGet(kOsCurrentUser, kKey, name, &type, &data));
-                EXPECT_EQ(name, data);
+                EXPECT_EQ(name, data.c_str());  // a system may add a terminator
             }
         });
     }
