@@ -1,0 +1,153 @@
+#include "containers/List.h"
+
+#include <gtest/gtest.h>
+
+#include <numeric>
+#include <vector>
+
+#include "containers/Memory.h"
+
+namespace {
+
+int numbers[10] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
+
+int of(const void* value) {
+    return value == nullptr ? -1 : *static_cast<const int*>(value);
+}
+
+Owned<List> listOf(int count) {
+    Owned<List> list(listCreate());
+    for (int i = 0; i < count; ++i) EXPECT_TRUE(listPushBack(list.get(), &numbers[i]));
+    return list;
+}
+
+std::vector<int> contents(const Owned<List>& list) {
+    std::vector<int> result;
+    for (ListNode* n = listFirstNode(list.get()); n != nullptr; n = listNextNode(list.get(), n))
+        result.push_back(of(n->value));
+    EXPECT_EQ(result.size(), listCount(list.get()));
+    return result;
+}
+
+ListIterator* iteratorOn(List* list, int value, bool forward) {
+    ListIterator* it = forward ? listIterFirst(list) : listIterLast(list);
+    while (of(listIterValue(it)) != value) listIterNext(&it);
+    return it;
+}
+
+// What a walk still delivers behind the present element.
+std::vector<int> rest(ListIterator* it) {
+    std::vector<int> result;
+    while (listIterNext(&it)) result.push_back(of(listIterValue(it)));
+    EXPECT_EQ(nullptr, it);
+    return result;
+}
+
+std::vector<int> destroyed;
+void noteDestroy(void** element) {
+    destroyed.push_back(of(*element));
+    *element = nullptr;
+}
+
+}  // namespace
+
+TEST(List, PushesAndPopsAtBothEnds) {
+    const Owned<List> list(listCreate());
+    EXPECT_EQ(nullptr, listPopFront(list.get()));
+    EXPECT_EQ(nullptr, listIterFirst(list.get()));
+    EXPECT_FALSE(listPushBack(list.get(), nullptr));
+    for (int i = 0; i < 4; ++i) {
+        listPushBack(list.get(), &numbers[2 * i]);
+        listPushFront(list.get(), &numbers[2 * i + 1]);
+    }
+    EXPECT_EQ((std::vector<int>{7, 5, 3, 1, 0, 2, 4, 6}), contents(list));
+    EXPECT_EQ(7, of(listPopFront(list.get())));
+    EXPECT_EQ(6, of(listPopBack(list.get())));
+    destroyed.clear();
+    listClearWith(list.get(), noteDestroy);
+    EXPECT_EQ((std::vector<int>{5, 3, 1, 0, 2, 4}), destroyed);
+    EXPECT_TRUE(contents(list).empty());
+}
+
+TEST(List, ErasingThroughACursorGoesToTheNextElementInListOrder) {
+    for (const bool forward : {true, false}) {
+        const Owned<List> list = listOf(4);
+        ListIterator* it = iteratorOn(list.get(), 1, forward);
+        destroyed.clear();
+        EXPECT_TRUE(listIterEraseWith(&it, noteDestroy));
+        EXPECT_EQ(2, of(listIterValue(it)));
+        EXPECT_TRUE(listIterInsertAfter(it, &numbers[9]));
+        EXPECT_EQ(9, of(listIterValue(it)));
+        EXPECT_TRUE(listIterSetValue(it, &numbers[8], noteDestroy));
+        EXPECT_EQ((std::vector<int>{0, 2, 8, 3}), contents(list));
+        EXPECT_EQ((std::vector<int>{1, 9}), destroyed);
+        EXPECT_TRUE(listIterNext(&it));
+        EXPECT_EQ(forward ? 3 : 2, of(listIterValue(it)));
+        if (!forward) {
+            listIterDestroy(&it);
+            it = listIterLast(list.get());
+        }
+        EXPECT_TRUE(listIterErase(&it)) << "the last element";
+        EXPECT_EQ(nullptr, it);
+    }
+}
+
+TEST(List, NoCursorIsLeftOnAnElementThatOthersErased) {
+    for (const bool forward : {true, false}) {
+        for (int on = 0; on < 4; ++on) {
+            for (int first = 0; first < 4; ++first) {
+                for (int second = 0; second < 4; ++second) {
+                    if (first == second) continue;
+                    const Owned<List> list = listOf(4);
+                    ListIterator* it = iteratorOn(list.get(), on, forward);
+                    std::vector<int> expected;
+                    for (int n = on; n >= 0 && n < 4; n += forward ? 1 : -1)
+                        if (n != on && n != first && n != second) expected.push_back(n);
+                    for (const int gone : {first, second}) {
+                        ListIterator* other = iteratorOn(list.get(), gone, !forward);
+                        listIterErase(&other);
+                        listIterDestroy(&other);
+                    }
+                    const bool alive = on != first && on != second;
+                    EXPECT_EQ(alive, listIterIsValid(it));
+                    EXPECT_EQ(alive ? on : -1, of(listIterValue(it)));
+                    EXPECT_EQ(alive, listIterInsertAfter(it, &numbers[9]));
+                    if (alive && !forward) expected.insert(expected.begin(), on);
+                    EXPECT_EQ(expected, rest(it)) << on << " without " << first << second;
+                }
+            }
+        }
+    }
+}
+
+TEST(List, CursorsOutliveAClearAndTheList) {
+    Owned<List> list = listOf(3);
+    ListIterator* cleared = listIterFirst(list.get());
+    ListIterator* orphan = listIterLast(list.get());
+    listClear(list.get());
+    EXPECT_FALSE(listIterIsValid(cleared));
+    listPushBack(list.get(), &numbers[5]);
+    EXPECT_FALSE(listIterErase(&cleared));
+    EXPECT_FALSE(listIterNext(&cleared));
+    EXPECT_EQ(nullptr, cleared);
+    list.reset();
+    EXPECT_EQ(nullptr, listIterValue(orphan));
+    EXPECT_FALSE(listIterNext(&orphan));
+    EXPECT_EQ(nullptr, orphan);
+}
+
+TEST(List, SurvivesEveryFailedRequestAndReusesItsNodes) {
+    for (int n = 0; n < 8; ++n) {
+        memFailAfter(n, false);
+        Owned<List> list(listCreate());
+        int pushed = 0;
+        for (int i = 0; i < 40; ++i) pushed += listPushBack(list.get(), &numbers[i % 10]);
+        listIterDestroy(Owned<ListIterator>(listIterFirst(list.get())).receive());
+        memFailAfter(-1, false);
+        EXPECT_EQ(list ? listCount(list.get()) : 0u, static_cast<uint32_t>(pushed));
+    }
+    const Owned<List> queue = listOf(3);
+    const unsigned long long before = memRequestCount();
+    for (int i = 0; i < 1000; ++i) listPushBack(queue.get(), listPopFront(queue.get()));
+    EXPECT_EQ(before, memRequestCount());
+}

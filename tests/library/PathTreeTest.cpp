@@ -1,0 +1,144 @@
+#include "containers/PathTree.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "containers/Memory.h"
+#include "strings/String.h"
+
+namespace {
+
+Owned<String> text(const std::string& bytes) {
+    return Owned<String>(stringFromView(bytes));
+}
+
+PathTreeNode* add(PathTree* tree, const std::string& path, const std::string& name) {
+    return pathTreeAddNode(tree, text(path).get(), text(name).get());
+}
+
+bool has(const PathTree* tree, const std::string& path) {
+    return pathTreeHasNode(tree, text(path).get());
+}
+
+std::string names(const PathTree* tree, const std::string& path) {
+    List* list = pathTreeChildNames(tree, text(path).get());
+    if (list == nullptr) return "none";
+    std::string result;
+    for (ListNode* n = listFirstNode(list); n != nullptr; n = listNextNode(list, n))
+        result += std::string(stringView(static_cast<String*>(n->value))) + ";";
+    listDestroyWith(&list, stringDestroyElement);
+    return result;
+}
+
+int destroyed = 0;
+void countDestroy(void** value) {
+    ++destroyed;
+    *value = nullptr;
+}
+
+}  // namespace
+
+TEST(PathTree, ReachesNodesByTheirPaths) {
+    const Owned<PathTree> tree(pathTreeCreate());
+    EXPECT_NE(nullptr, add(tree.get(), "", "a"));
+    EXPECT_NE(nullptr, add(tree.get(), "a", "b"));
+    EXPECT_NE(nullptr, add(tree.get(), "a.b", "c"));
+    EXPECT_NE(nullptr, add(tree.get(), "a", ""));
+    EXPECT_NE(nullptr, add(tree.get(), "a.", "x")) << "a point at the end adds no name";
+    EXPECT_NE(nullptr, add(tree.get(), "a..", "inner"));
+    EXPECT_EQ(nullptr, add(tree.get(), "a", "b"));
+    EXPECT_EQ(nullptr, add(tree.get(), "a", "c.d"));
+    EXPECT_EQ(nullptr, add(tree.get(), "b", "c"));
+    const struct {
+        const char* path;
+        bool there;
+    } cases[] = {{"", true},      {"a", true},        {"a.b", true},  {"a.b.c", true},
+                 {"a.b.", true},  {"a..", true},      {"a.x", true},  {"a..inner", true},
+                 {".a", false},   {".", false},       {"b", false},   {"a.B", false},
+                 {"root", false}, {"a.b.c.d", false}, {"a.bc", false}};
+    for (const auto& [path, there] : cases) EXPECT_EQ(there, has(tree.get(), path)) << path;
+    EXPECT_FALSE(pathTreeHasNode(tree.get(), nullptr));
+    EXPECT_EQ("b;;x;", names(tree.get(), "a"));
+    EXPECT_EQ("", names(tree.get(), "a.x"));
+    EXPECT_EQ("none", names(tree.get(), "q"));
+    EXPECT_EQ(6u, pathTreeCount(tree.get()));
+}
+
+TEST(PathTree, KeepsValuesAndEndsThemWithTheirNodes) {
+    int value = 0;
+    Owned<PathTree> tree(pathTreeCreate());
+    for (const char* name : {"a", "b", "c"}) add(tree.get(), "", name);
+    for (const char* name : {"x", "y"}) add(tree.get(), "b", name);
+    destroyed = 0;
+    for (const char* path : {"", "a", "b", "b.x", "b.y", "b.x"})
+        EXPECT_TRUE(pathTreeSetValue(tree.get(), text(path).get(), &value, countDestroy));
+    EXPECT_EQ(1, destroyed) << "only the value that was replaced";
+    EXPECT_FALSE(pathTreeSetValue(tree.get(), text("b.z").get(), &value, countDestroy));
+    EXPECT_EQ(&value, pathTreeGetValue(tree.get(), text("").get()));
+    EXPECT_EQ(nullptr, pathTreeGetValue(tree.get(), text("c").get()));
+    EXPECT_FALSE(pathTreeEraseNode(tree.get(), text("").get(), countDestroy));
+    EXPECT_TRUE(pathTreeEraseNode(tree.get(), text("b").get(), countDestroy));
+    EXPECT_EQ(4, destroyed);
+    EXPECT_EQ("a;c;", names(tree.get(), ""));
+    pathTreeClear(tree.get(), countDestroy);
+    EXPECT_EQ(6, destroyed);
+    EXPECT_EQ(0u, pathTreeCount(tree.get()));
+    EXPECT_EQ("root", stringView(tree->root->name));
+}
+
+TEST(PathTree, FindsAmongManyChildrenWhileTheyComeAndGo) {
+    const Owned<PathTree> tree(pathTreeCreate());
+    for (int i = 0; i < 3000; ++i) {
+        const std::string name = "n" + std::to_string(i);
+        ASSERT_NE(nullptr, add(tree.get(), "", name));
+        EXPECT_EQ(nullptr, add(tree.get(), "", name));
+        EXPECT_EQ(nullptr, add(tree.get(), "", "n0"));
+        if (i % 2 == 1) {
+            EXPECT_TRUE(pathTreeEraseNode(tree.get(), text(name).get(), nullptr));
+        }
+    }
+    for (int i = 0; i < 3000; ++i) EXPECT_EQ(i % 2 == 0, has(tree.get(), "n" + std::to_string(i)));
+    EXPECT_EQ(1500u, pathTreeCount(tree.get()));
+    EXPECT_EQ("n0;n2;n4;", names(tree.get(), "").substr(0, 9)) << "in the order of their making";
+}
+
+TEST(PathTree, NeedsNoStackForADeepTree) {
+    constexpr uint32_t kDepth = 300000;
+    const Owned<String> name = text("d");
+    Owned<PathTree> tree(pathTreeCreate());
+    PathTreeNode* node = tree->root;
+    for (uint32_t i = 0; i < kDepth; ++i) {
+        Owned<PathTreeNode> child(pathTreeNodeCreate(name.get()));
+        ASSERT_TRUE(pathTreeNodeAppend(node, child.get()));
+        node = child.release();
+    }
+    EXPECT_EQ(kDepth, pathTreeCount(tree.get()));
+    node->value = &destroyed;
+    destroyed = 0;
+    pathTreeClear(tree.get(), countDestroy);
+    EXPECT_EQ(1, destroyed);
+}
+
+TEST(PathTree, SurvivesEveryFailedRequest) {
+    bool complete = false;
+    for (int n = 0; !complete && n < 500; ++n) {
+        const Owned<String> empty = text("");
+        std::vector<Owned<String>> childNames;
+        for (int i = 0; i < 40; ++i) childNames.push_back(text(std::to_string(i)));
+        memFailAfter(n, false);
+        Owned<PathTree> tree(pathTreeCreate());
+        uint32_t added = 0;
+        for (const auto& name : childNames)
+            added += pathTreeAddNode(tree.get(), empty.get(), name.get()) != nullptr;
+        List* list = pathTreeChildNames(tree.get(), empty.get());
+        memFailAfter(-1, false);
+        complete = added == 40 && list != nullptr;
+        EXPECT_EQ(added, pathTreeCount(tree.get()));
+        EXPECT_EQ(list == nullptr ? 0 : added, listCount(list));
+        EXPECT_EQ(added > 0, has(tree.get(), "39") || has(tree.get(), "38"));
+        listDestroyWith(&list, stringDestroyElement);
+    }
+    EXPECT_TRUE(complete);
+}

@@ -1,0 +1,215 @@
+#include "containers/RbTree.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <iterator>
+#include <random>
+#include <set>
+#include <vector>
+
+#include "containers/Memory.h"
+
+namespace {
+
+int32_t numbers[64];
+
+struct FillNumbers {
+    FillNumbers() {
+        for (int i = 0; i < 64; ++i) numbers[i] = i;
+    }
+} fillNumbers;
+
+int of(const void* value) {
+    return value == nullptr ? -1 : *static_cast<const int32_t*>(value);
+}
+
+// Black height of a subtree; checks colours, order and parents on the way.
+int blackHeight(const RbTree* tree, const RbNode* node) {
+    if (node == &tree->nil) return 1;
+    for (const RbNode* child : {node->left, node->right}) {
+        if (child == &tree->nil) continue;
+        EXPECT_EQ(node, child->parent);
+        EXPECT_FALSE(node->color == kRbRed && child->color == kRbRed);
+        const bool ordered = child == node->left ? of(child->data) <= of(node->data)
+                                                 : of(child->data) >= of(node->data);
+        EXPECT_TRUE(ordered);
+    }
+    const int left = blackHeight(tree, node->left);
+    EXPECT_EQ(left, blackHeight(tree, node->right));
+    return left + (node->color == kRbBlack ? 1 : 0);
+}
+
+Owned<RbTree> treeOf(int count) {
+    Owned<RbTree> tree(rbTreeCreate(compareSigned));
+    for (int i = 0; i < count; ++i) EXPECT_TRUE(rbTreeInsert(tree.get(), &numbers[i]));
+    return tree;
+}
+
+void eraseKey(RbTree* tree, int key) {
+    rbTreeEraseNode(tree, rbTreeFindNode(tree, &numbers[key]));
+}
+
+RbTreeIterator* iteratorOn(RbTree* tree, int value, bool forward) {
+    RbTreeIterator* it = forward ? rbTreeIterFirst(tree) : rbTreeIterLast(tree);
+    while (of(rbTreeIterValue(it)) != value) rbTreeIterNext(&it);
+    return it;
+}
+
+std::vector<int> rest(RbTreeIterator* it) {
+    std::vector<int> result;
+    while (rbTreeIterNext(&it)) result.push_back(of(rbTreeIterValue(it)));
+    EXPECT_EQ(nullptr, it);
+    return result;
+}
+
+std::vector<int> destroyed;
+void noteDestroy(void** element) {
+    destroyed.push_back(of(*element));
+    *element = nullptr;
+}
+
+}  // namespace
+
+TEST(RbTree, StaysBalancedAndOrderedThroughRandomChanges) {
+    std::mt19937 random(7);
+    const Owned<RbTree> tree(rbTreeCreate(compareSigned));
+    std::multiset<int> model;
+    for (int round = 0; round < 6000; ++round) {
+        const int key = static_cast<int>(random() % 64);
+        const bool growing = round / 1000 % 2 == 0;
+        if (random() % 4 < (growing ? 3u : 1u)) {
+            EXPECT_TRUE(rbTreeInsert(tree.get(), &numbers[key]));
+            model.insert(key);
+        } else if (model.count(key) != 0) {
+            eraseKey(tree.get(), key);
+            model.erase(model.find(key));
+        }
+        EXPECT_EQ(model.count(key) != 0, rbTreeContains(tree.get(), &numbers[key]));
+        ASSERT_EQ(model.size(), tree->count);
+        if (round % 50 != 0) continue;
+        EXPECT_EQ(kRbBlack, tree->root->color);
+        blackHeight(tree.get(), tree->root);
+        auto expected = model.begin();
+        for (RbNode* n = rbTreeFirstNode(tree.get()); n != nullptr;
+             n = rbTreeNextNode(tree.get(), n), ++expected) {
+            ASSERT_NE(model.end(), expected);
+            EXPECT_EQ(*expected, of(n->data));
+        }
+        EXPECT_EQ(model.end(), expected);
+    }
+}
+
+TEST(RbTree, PutsEqualElementsToTheRightAndFindsTheFirstOnTheWayDown) {
+    const int32_t key = 5;
+    int32_t same[3] = {5, 5, 5};
+    const Owned<RbTree> tree(rbTreeCreate(compareSigned));
+    for (int32_t& element : same) rbTreeInsert(tree.get(), &element);
+    EXPECT_EQ(&same[1], tree->root->data);
+    EXPECT_EQ(&same[0], tree->root->left->data);
+    Owned<RbTreeIterator> found(rbTreeFind(tree.get(), &key));
+    EXPECT_EQ(&same[1], rbTreeIterValue(found.get()));
+    RbTreeIterator* it = found.get();
+    EXPECT_FALSE(rbTreeIterNext(&it)) << "a search never advances";
+    EXPECT_EQ(found.get(), it);
+    EXPECT_TRUE(rbTreeIterErase(it));
+    EXPECT_EQ(&same[2], tree->root->data) << "the next in order moves into the node";
+    EXPECT_FALSE(rbTreeIterErase(it));
+}
+
+TEST(RbTree, ErasingThroughAnIteratorEndsItsWalk) {
+    const Owned<RbTree> tree = treeOf(7);
+    RbTreeIterator* it = iteratorOn(tree.get(), 3, true);
+    destroyed.clear();
+    EXPECT_TRUE(rbTreeIterEraseWith(it, noteDestroy));
+    EXPECT_EQ(nullptr, rbTreeIterValue(it));
+    EXPECT_FALSE(rbTreeIterNext(&it));
+    EXPECT_EQ(nullptr, it);
+    rbTreeClearWith(tree.get(), noteDestroy);
+    EXPECT_EQ((std::vector<int>{3, 0, 1, 2, 4, 5, 6}), destroyed);
+    EXPECT_EQ(nullptr, rbTreeIterFirst(tree.get()));
+}
+
+TEST(RbTree, ACursorFollowsItsElementAndLosesNoNeighbour) {
+    constexpr int kCount = 12;
+    for (const bool forward : {true, false}) {
+        for (int on = 0; on < kCount; ++on) {
+            for (int gone = 0; gone < kCount; ++gone) {
+                const Owned<RbTree> tree = treeOf(kCount);
+                RbTreeIterator* it = iteratorOn(tree.get(), on, forward);
+                const RbNode* node = it->node;
+                const bool twoChildren = node->left != &tree->nil && node->right != &tree->nil;
+                eraseKey(tree.get(), gone);
+                std::vector<int> expected;
+                for (int n = on; n >= 0 && n < kCount; n += forward ? 1 : -1)
+                    if (n != on && n != gone) expected.push_back(n);
+                if (on == gone && twoChildren) {
+                    // The node stays, with the next element in it.
+                    EXPECT_EQ(on + 1, of(rbTreeIterValue(it)));
+                    if (forward) expected.erase(expected.begin());
+                } else {
+                    EXPECT_EQ(on == gone ? -1 : on, of(rbTreeIterValue(it)));
+                    EXPECT_EQ(on != gone, rbTreeIterIsValid(it));
+                }
+                EXPECT_EQ(expected, rest(it)) << on << " without " << gone;
+            }
+        }
+    }
+}
+
+TEST(RbTree, ACursorWithoutItsElementSurvivesWhateverFollows) {
+    std::mt19937 random(3);
+    for (int round = 0; round < 3000; ++round) {
+        const Owned<RbTree> tree = treeOf(10);
+        const bool forward = random() % 2 == 0;
+        const int on = static_cast<int>(random() % 10);
+        RbTreeIterator* it = iteratorOn(tree.get(), on, forward);
+        std::set<int> left{0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
+        for (int erased = 0; erased < 6; ++erased) {
+            const auto gone = std::next(left.begin(), static_cast<long>(random() % left.size()));
+            eraseKey(tree.get(), *gone);
+            left.erase(gone);
+        }
+        const bool alive = left.count(on) != 0;
+        int previous = rbTreeIterIsValid(it) ? of(rbTreeIterValue(it)) : on;
+        if (alive) {
+            EXPECT_EQ(on, of(rbTreeIterValue(it)));
+        }
+        for (const int value : rest(it)) {
+            EXPECT_TRUE(forward ? value > previous : value < previous);
+            EXPECT_EQ(1u, left.count(value));
+            previous = value;
+        }
+        EXPECT_TRUE(left.upper_bound(previous) == left.end() || !forward);
+        EXPECT_TRUE(left.lower_bound(previous) == left.begin() || forward);
+    }
+}
+
+TEST(RbTree, CursorsOutliveAClearAndTheTree) {
+    Owned<RbTree> tree = treeOf(9);
+    RbTreeIterator* cleared = rbTreeIterFirst(tree.get());
+    RbTreeIterator* orphan = rbTreeIterLast(tree.get());
+    rbTreeClear(tree.get());
+    rbTreeInsert(tree.get(), &numbers[1]);
+    EXPECT_FALSE(rbTreeIterIsValid(cleared));
+    EXPECT_FALSE(rbTreeIterNext(&cleared));
+    tree.reset();
+    EXPECT_FALSE(rbTreeIterIsValid(orphan));
+    EXPECT_FALSE(rbTreeIterNext(&orphan));
+}
+
+TEST(RbTree, RefusesWhatItHasNoMemoryFor) {
+    memFailAfter(0, true);
+    EXPECT_EQ(nullptr, rbTreeCreate(compareSigned));
+    memFailAfter(2, true);
+    {
+        const Owned<RbTree> tree(rbTreeCreate(compareSigned));
+        uint32_t inserted = 0;
+        while (rbTreeInsert(tree.get(), &numbers[inserted])) ++inserted;
+        EXPECT_LT(0u, inserted);
+        EXPECT_EQ(inserted, tree->count);
+        EXPECT_EQ(nullptr, rbTreeIterFirst(tree.get()));
+        blackHeight(tree.get(), tree->root);
+    }
+    memFailAfter(-1, false);
+}
