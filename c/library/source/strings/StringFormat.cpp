@@ -20,13 +20,13 @@ constexpr size_t kMostWholeDigits = 310;
 // Long enough for a 64-bit number and for a double that was cut.
 constexpr size_t kNumberBytes = 64;
 
-bool appendFilled(String* s, std::string_view text, const FormatSpec& spec) {
-    const size_t fill = spec.width > text.size() ? spec.width - text.size() : 0;
+bool appendFilled(String* s, std::string_view text, const FormatField& field) {
+    const size_t fill = field.width > text.size() ? field.width - text.size() : 0;
     const uint64_t added = uint64_t{fill} + text.size();
     if (added > kStringMaxLength) return false;
     char* place = stringMakeRoom(s, static_cast<uint32_t>(added));
     if (place == nullptr) return false;
-    std::memset(place, spec.fill, fill);
+    std::memset(place, field.fill, fill);
     if (!text.empty()) std::memcpy(place + fill, text.data(), text.size());
     return stringSetLength(s, s->length + static_cast<uint32_t>(added));
 }
@@ -104,19 +104,19 @@ uint32_t readNumber(const char** walk) {
 }
 
 // Reads what stands before the letter and moves onto it.
-FormatSpec readSpec(const char** walk) {
-    FormatSpec spec;
+FormatField readField(const char** walk) {
+    FormatField field;
     const char* at = *walk;
     if (at[0] == '\'' && at[1] != 0 && at[2] == '\'') {
-        spec.fill = at[1];
+        field.fill = at[1];
         *walk += 3;
     }
-    spec.width = readNumber(walk);
+    field.width = readNumber(walk);
     if (**walk == '.') {
         ++*walk;
-        spec.precision = readNumber(walk);
+        field.precision = readNumber(walk);
     }
-    return spec;
+    return field;
 }
 
 bool walkFormat(String* s, const char* format, std::span<const FormatArg> args) {
@@ -127,12 +127,12 @@ bool walkFormat(String* s, const char* format, std::span<const FormatArg> args) 
         walk += plain;
         if (*walk == 0) break;
         ++walk;
-        const FormatSpec spec = readSpec(&walk);
+        const FormatField field = readField(&walk);
         if (*walk == 0) break;
         const bool takesArgument = kLetters.find(*walk) != std::string_view::npos;
         const FormatArg none;
         const FormatArg& arg = takesArgument && next < args.size() ? args[next++] : none;
-        if (!stringAppendArg(s, *walk, spec, arg)) return false;
+        if (!stringAppendArg(s, *walk, field, arg)) return false;
         ++walk;
     }
     return true;
@@ -164,13 +164,13 @@ uint32_t formatDouble(double value, char letter, uint32_t precision, char out[kF
     return length;
 }
 
-bool stringAppendArg(String* s, char letter, const FormatSpec& spec, const FormatArg& arg) {
+bool stringAppendArg(String* s, char letter, const FormatField& field, const FormatArg& arg) {
     if (kLetters.find(letter) == std::string_view::npos) return stringAppendChar(s, letter);
     if (arg.kind() == FormatArg::Kind::None) return s != nullptr;
     if (arg.isNull()) return stringAppendView(s, kNullText);
-    if (arg.isText()) return appendFilled(s, arg.text(), spec);
+    if (arg.isText()) return appendFilled(s, arg.text(), field);
     char buffer[kNumberBytes];
-    return appendFilled(s, numberUnder(buffer, letter, spec.precision, arg), spec);
+    return appendFilled(s, numberUnder(buffer, letter, field.precision, arg), field);
 }
 
 bool stringFormatArgs(String* s, const char* format, std::span<const FormatArg> args) {

@@ -32,14 +32,14 @@ bool stringInsertFormatArgs(String* s, uint32_t pos, const char* format,
                             std::span<const FormatArg> args);
 
 // What stands between the percent sign and the letter.
-struct FormatSpec {
+struct FormatField {
     char fill = ' ';
     uint32_t width = 0;
     uint32_t precision = 0;
 };
 
 // Appends one argument as the letter says; a letter that is none appends itself.
-bool stringAppendArg(String* s, char letter, const FormatSpec& spec, const FormatArg& arg);
+bool stringAppendArg(String* s, char letter, const FormatField& field, const FormatArg& arg);
 
 constexpr uint32_t kFormatDoubleMax = 40;
 // Writes the double as `letter` (f, e, E or g, G) says, at most 40 bytes and no
