@@ -4,6 +4,7 @@
 
 #include "AppCommands.h"
 #include "logger/LogMessages.h"
+#include "logger/StandardOutput.h"
 #include "threads/QuitFlag.h"
 
 namespace Quorel {
@@ -81,6 +82,7 @@ void PlainCast::waitForRunTime() {
         if (now >= runUntil || engine_->exitPending != 0) return;
         threadTouch(nullptr);
         if (threadQuitRequested()) return;
+        outputFlush();
         sleepInterruptible(
             static_cast<uint32_t>(std::min<Time>(runUntil - now, kPollMilliseconds)));
     }
