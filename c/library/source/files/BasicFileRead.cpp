@@ -81,9 +81,11 @@ bool appendWithoutReturns(String* out, std::string_view text) {
     return true;
 }
 
-FileStatus failed(BasicFile* file, FileStatus status, const char* message) {
+// Logs a message with name and record, and the place of the call.
+FileStatus failed(BasicFile* file, FileStatus status, const char* message,
+                  std::source_location where = std::source_location::current()) {
     logError(file->logger, message, file->name, file->identity);
-    logLocation(file->logger, kLogError);
+    logLocation(file->logger, kLogError, where);
     return status;
 }
 
