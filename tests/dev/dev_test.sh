@@ -2,7 +2,7 @@
 # Tests of ./dev itself and of the runner of the script tests: dev_test.sh
 # PATH-OF-DEV, after build/linux was built.
 
-dev=$1
+dev=$(realpath "$1")
 folder=$(mktemp -d "${TMPDIR:-/tmp}/plaincast-dev.XXXXXX") || exit 1
 trap 'rm -rf "$folder"' EXIT
 faults=0
