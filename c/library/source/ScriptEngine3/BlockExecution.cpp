@@ -1,6 +1,5 @@
 #include "ScriptEngine3/BlockExecution.h"
 
-#include "ScriptEngine3/EngineVariables.h"
 #include "platform/program.h"
 
 namespace {
@@ -10,29 +9,27 @@ constexpr size_t kStackReserve = 256 * 1024;
 
 // Sets a result variable. They are numbers unless a script has made something
 // else of them, which then takes the text of the number as far as it can.
-inline void setResult(ScriptEngine* engine, ScriptObject* ResultVariables::*which, uint32_t id,
-                      bool value) {
-    ScriptObject* object = engine->results.*which;
-    if (object != nullptr && object->type == kTypeNumber)
+inline void setResult(ScriptEngine* engine, ScriptObject* object, bool value) {
+    if (object->type == kTypeNumber)
         object->number = value;
     else
-        scriptEngineSetResultVar(engine, id, value ? "1" : "0");
+        scriptObjectSetStringValue(engine, object, value ? "1" : "0");
 }
 
 inline void setSuccess(ScriptEngine* engine, bool value) {
-    setResult(engine, &ResultVariables::success, engine->successVar, value);
+    setResult(engine, engine->results.success, value);
 }
 inline void setError(ScriptEngine* engine, bool value) {
-    setResult(engine, &ResultVariables::error, engine->errorVar, value);
+    setResult(engine, engine->results.error, value);
 }
 inline void setInvalidArgs(ScriptEngine* engine, bool value) {
-    setResult(engine, &ResultVariables::invalidArgs, engine->invalidArgsVar, value);
+    setResult(engine, engine->results.invalidArgs, value);
 }
 inline void setOutOfMemory(ScriptEngine* engine, bool value) {
-    setResult(engine, &ResultVariables::outOfMemory, engine->outOfMemoryVar, value);
+    setResult(engine, engine->results.outOfMemory, value);
 }
 
-void clearResults(ScriptEngine* engine) {
+inline void clearResults(ScriptEngine* engine) {
     setSuccess(engine, false);
     setError(engine, false);
     setInvalidArgs(engine, false);
@@ -79,7 +76,7 @@ bool resolveCall(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
 
 // Whether a statement that changes things outside may run from its file.
 bool signatureSuffices(ScriptEngine* engine, const ScriptLine* line) {
-    if (!engine->requireSignature || !line->needsSignature) return true;
+    if (!line->needsSignature) return true;
     const SourceFile& source = engine->sources[line->source];
     if (source.isSigned) return true;
     logError(engine->logger,
@@ -120,70 +117,76 @@ bool actOnFailure(ScriptEngine* engine, int status, const ScriptLine* line) {
     }
 }
 
-// Acts on what the handler gave back; false when the block stops.
-inline bool actOnStatus(ScriptEngine* engine, ScriptBlock* block, int status,
-                        const ScriptLine* line) {
-    if (status == kDone) {
+void traceResult(ScriptEngine* engine, int status, const ScriptLine* line) {
+    if (status == kDone)
         logAboutLine(engine, kLogTrace,
                      "scriptEngineRunBlock: Successfully executed script line %u in \"%S%S\"",
                      line);
-        if (line->flow != kContinueCommand) setSuccess(engine, true);
-        return true;
-    }
-    if (status == kNegative) {
+    else if (status == kNegative)
         logAboutLine(engine, kLogTrace,
                      "scriptEngineRunBlock: Successfully executed script line %u in \"%S%S\", but "
                      "with negative result",
                      line);
-        setSuccess(engine, false);
-        block->lastResult = 0;
-        return true;
-    }
-    return actOnFailure(engine, status, line);
 }
 
-enum class LineRun { GoOn, Leave, Failed, Refused };
-
-LineRun runLine(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
-    if (line->source >= engine->sources.size()) {
-        logError(engine->logger, "scriptEngineRunBlock: #::11 - Failed to get source file marker");
-        logLocation(engine->logger, kLogError);
-        return LineRun::Failed;
+// Acts on what a handler gave back; false when the block stops.
+inline bool actOnStatus(ScriptEngine* engine, ScriptBlock* block, int status,
+                        const ScriptLine* line) {
+    if (status == kDone) {
+        if (line->flow != kContinueCommand) setSuccess(engine, true);
+        return true;
     }
-    logAboutLine(engine, kLogTrace, "scriptEngineRunBlock: Executing script line %u in \"%S%S\"",
-                 line);
-    if (!signatureSuffices(engine, line)) return LineRun::Refused;
+    if (status != kNegative) return actOnFailure(engine, status, line);
+    setSuccess(engine, false);
+    block->lastResult = 0;
+    return true;
+}
+
+// One statement; false when the block stops.
+inline bool runLine(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line, bool tracing) {
+    if (tracing)
+        logAboutLine(engine, kLogTrace,
+                     "scriptEngineRunBlock: Executing script line %u in \"%S%S\"", line);
+    if (engine->requireSignature && !signatureSuffices(engine, line)) return false;
     // A `call` has a block from its first run on, and from then on leaves the
     // variables to the function's own statements.
     if (line->block == kNoBlock && line->flow != kContinueCommand) clearResults(engine);
-    if (line->flow == kCallCommand && !resolveCall(engine, block, line)) return LineRun::Failed;
+    if (line->flow == kCallCommand && !resolveCall(engine, block, line)) return false;
     const int status = line->handler(engine, block, &line->args, line->block);
-    if (scriptTemporariesPresent()) scriptTemporariesFlush();
-    if (!actOnStatus(engine, block, status, line)) return LineRun::Failed;
-    return engine->anyPending() ? LineRun::Leave : LineRun::GoOn;
+    if (!scriptTemporaries.empty()) scriptTemporariesFlush();
+    if (tracing) traceResult(engine, status, line);
+    return actOnStatus(engine, block, status, line);
 }
 
 }  // namespace
 
 bool scriptEngineRunBlock(ScriptEngine* engine, ScriptBlock* block) {
+    const bool tracing = logWanted(kLogTrace);
     block->lastResult = 1;
-    // Statements are added to a block only before it runs.
     for (ScriptLine* line : block->shape->lines) {
-        if (line == nullptr) {
-            logError(engine->logger, "scriptEngineRunBlock: #::11");
-            logLocation(engine->logger, kLogError);
-            return false;
-        }
-        switch (runLine(engine, block, line)) {
-            case LineRun::GoOn:
-                break;
-            case LineRun::Leave:
-                return true;
-            default:
-                return false;
-        }
+        if (!runLine(engine, block, line, tracing)) return false;
+        if (engine->pending != 0) return true;
     }
     return true;
+}
+
+bool stackRunTop(ScriptEngine* engine, ScriptBlock* block) {
+    const char here = 0;
+    if (&here > engine->stackFloor) return scriptEngineRunBlock(engine, block);
+    logError(engine->logger,
+             "scriptEngineRunStack: Blocks and functions are nested too deeply (%u)",
+             engine->stack.size());
+    return false;
+}
+
+void stackPop(ScriptEngine* engine) {
+    scriptBlockRetire(engine->stack.pop());
+}
+
+void stackMeasure(ScriptEngine* engine) {
+    const char here = 0;
+    const size_t left = osStackLeft();
+    engine->stackFloor = left < kStackReserve ? &here : &here - left + kStackReserve;
 }
 
 StackRun scriptEngineRunStack(ScriptEngine* engine, bool allowSingle) {
@@ -195,14 +198,9 @@ StackRun scriptEngineRunStack(ScriptEngine* engine, bool allowSingle) {
     }
     ScriptBlock* block = engine->stack.back();
     StackRun result = StackRun::Failed;
-    if (osStackLeft() < kStackReserve)
-        logError(engine->logger,
-                 "scriptEngineRunStack: Blocks and functions are nested too deeply (%u)",
-                 static_cast<uint32_t>(depth));
-    else if (scriptEngineRunBlock(engine, block))
+    if (stackRunTop(engine, block))
         result = block->lastResult != 0 ? StackRun::Done : StackRun::Negative;
-    engine->stack.pop();
-    scriptBlockRetire(block);
+    stackPop(engine);
     return result;
 }
 

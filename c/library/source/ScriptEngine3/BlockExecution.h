@@ -14,6 +14,14 @@ enum class StackRun { Failed = 0, Done = 1, Negative = 2 };
 // out. Without `allowSingle` there must be two of them.
 StackRun scriptEngineRunStack(ScriptEngine* engine, bool allowSingle);
 
+// The two halves of it, for a loop that keeps its instance: runs the innermost
+// instance, which must be `block`, and takes it off.
+bool stackRunTop(ScriptEngine* engine, ScriptBlock* block);
+void stackPop(ScriptEngine* engine);
+
+// Before a run: finds out how deep the calling thread's stack lets it go.
+void stackMeasure(ScriptEngine* engine);
+
 // Puts an activation of the block of this number, inside `parent`, on the
 // stack. Null when there is no such block or memory runs out: `*missing` tells.
 enum class PushFailure { None, MissingBlock, NoInstance, NoStack };

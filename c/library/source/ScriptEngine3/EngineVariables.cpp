@@ -100,9 +100,13 @@ bool scriptEngineSetResultVar(ScriptEngine* engine, uint32_t id, const char* val
     if (engine == nullptr || value == nullptr) return false;
     for (const ResultVariable& variable : kResultVariables) {
         if (engine->*variable.id != id) continue;
-        ScriptObject*& object = engine->results.*variable.object;
-        if (object == nullptr) object = scriptBlockOwnVar(engine->globalBlock, id);
-        return scriptObjectSetStringValue(engine, object, value);
+        return scriptObjectSetStringValue(engine, engine->results.*variable.object, value);
     }
     return false;
+}
+
+void engineFindResultVars(ScriptEngine* engine) {
+    for (const ResultVariable& variable : kResultVariables)
+        engine->results.*variable.object =
+            scriptBlockOwnVar(engine->globalBlock, engine->*variable.id);
 }

@@ -23,3 +23,6 @@ bool engineBorrowLocalVar(ScriptEngine* engine, ScriptBlock* block, const char* 
 
 // Sets one of the four result variables; any other id is refused.
 bool scriptEngineSetResultVar(ScriptEngine* engine, uint32_t id, const char* value);
+
+// Once they have been added: notes where the four result variables stand.
+void engineFindResultVars(ScriptEngine* engine);

@@ -12,23 +12,30 @@ bool nullArguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args) {
     return engine == nullptr || block == nullptr || args == nullptr;
 }
 
-// Runs the body of a branch or a loop inside `block`. `kDone`, or the status
-// that the statement ends with, after "<name>: <message>".
-int runBody(ScriptEngine* engine, ScriptBlock* block, const char* name, int blockNumber) {
+// Puts a body on the stack, inside `block`; null after "<name>: <message>".
+ScriptBlock* pushBody(ScriptEngine* engine, ScriptBlock* block, const char* name, int blockNumber) {
     PushFailure failure;
-    if (blockPush(engine, blockNumber, block, &failure) == nullptr) {
-        if (failure == PushFailure::NoInstance)
-            logError(engine->logger, "%s: Failed to initialize script block %u", name,
-                     static_cast<uint32_t>(blockNumber));
-        else
-            logError(engine->logger, failure == PushFailure::NoStack ? "%s: #::100" : "%s: #::11",
-                     name);
-        return kInvalidCall;
-    }
-    if (scriptEngineRunStack(engine, true) != StackRun::Failed) return kDone;
+    ScriptBlock* body = blockPush(engine, blockNumber, block, &failure);
+    if (failure == PushFailure::NoInstance)
+        logError(engine->logger, "%s: Failed to initialize script block %u", name,
+                 static_cast<uint32_t>(blockNumber));
+    else if (failure != PushFailure::None)
+        logError(engine->logger, failure == PushFailure::NoStack ? "%s: #::100" : "%s: #::11",
+                 name);
+    return body;
+}
+
+int failedBody(ScriptEngine* engine, const char* name, int blockNumber) {
     logError(engine->logger, "%s: Failed to execute script block %u", name,
              static_cast<uint32_t>(blockNumber));
     return kError;
+}
+
+// Runs the body of a branch inside `block`; the status of the statement.
+int runBody(ScriptEngine* engine, ScriptBlock* block, const char* name, int blockNumber) {
+    if (pushBody(engine, block, name, blockNumber) == nullptr) return kInvalidCall;
+    if (scriptEngineRunStack(engine, true) != StackRun::Failed) return kDone;
+    return failedBody(engine, name, blockNumber);
 }
 
 bool bodyExists(ScriptEngine* engine, const char* name, int blockNumber) {
@@ -108,26 +115,44 @@ class LoopArgument {
     ScriptObject* object_;
 };
 
-// The rounds of a loop; `step` may be null.
+// What the end of a round means for the loop.
+enum class RoundEnd { GoOn, Leave };
+
+RoundEnd endOfRound(ScriptEngine* engine) {
+    if (engine->pending == 0) return RoundEnd::GoOn;
+    engine->pending &= static_cast<uint8_t>(~kContinuePending);
+    const bool leave = engine->pending != 0;
+    // A `return` and an `exit` go on to where they end.
+    engine->pending &= static_cast<uint8_t>(~kBreakPending);
+    return leave ? RoundEnd::Leave : RoundEnd::GoOn;
+}
+
+// The rounds of a loop; `step` may be null. One instance serves for all of them.
 int rounds(ScriptEngine* engine, ScriptBlock* block, int blockNumber, const char* name,
            const LoopArgument& condition, const LoopArgument* step) {
+    int status = kDone;
+    ScriptBlock* body = nullptr;
     for (;;) {
         const ScriptTruth truth = condition.truth();
-        if (truth == kFalse) return kDone;
+        if (truth == kFalse) break;
         if (truth == kNoTruth) {
             logError(engine->logger, "%s: Unable to determine boolean result of condition", name);
-            return kError;
+            status = kError;
+            break;
         }
-        const int status = runBody(engine, block, name, blockNumber);
-        if (status != kDone) return status;
-        engine->continuePending = 0;
-        if (engine->breakPending) {
-            engine->breakPending = 0;
-            return kDone;
+        if (body == nullptr) body = pushBody(engine, block, name, blockNumber);
+        if (body == nullptr) return kInvalidCall;
+        if (!stackRunTop(engine, body)) {
+            status = failedBody(engine, name, blockNumber);
+            break;
         }
-        if (engine->returnPending || engine->exitPending) return kDone;
+        if (endOfRound(engine) == RoundEnd::Leave) break;
+        // What the round declared is gone before the step and the condition look.
+        scriptBlockRenew(body);
         if (step != nullptr) step->run();
     }
+    if (body != nullptr) stackPop(engine);
+    return status;
 }
 
 int invalidArgument(ScriptEngine* engine, uint32_t position) {
@@ -143,7 +168,7 @@ ScriptObject* parameter(ScriptBlock* instance, const BlockShape::Slot& slot, uin
         if (object == nullptr) return nullptr;
         object->nameId = id;
         instance->locals[slot.index] = object;
-        ++instance->declaredCount;
+        instance->isDirty = 1;
     }
     return instance->locals[slot.index];
 }
@@ -171,11 +196,13 @@ int passArgument(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg, Scrip
         logError(engine->logger, "scriptEngineCall: #::11");
         return kInvalidCall;
     }
-    if (computed && !made && scriptObjectRetype(target, kTypeNumber)) {
+    if (computed && !made && target->type == kTypeUndef) {
+        target->type = kTypeNumber;
         target->number = result.number;
         return kDone;
     }
-    if (scriptObjectAssign(engine, target, made ? made.get() : value)) return kDone;
+    if (computed && !made) made.reset(scriptObjectCreateNumber(result.number));
+    if (scriptObjectAssign(engine, target, computed ? made.get() : value)) return kDone;
     logError(engine->logger, "scriptEngineCall: Failed to set parameter");
     logLocation(engine->logger, kLogError);
     return kError;
@@ -218,8 +245,9 @@ int scriptEngineCall(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
                  static_cast<uint32_t>(blockNumber));
         return kError;
     }
-    if (!engine->returnPending) return run == StackRun::Negative ? kNegative : kDone;
-    engine->returnPending = 0;
+    if ((engine->pending & kReturnPending) == 0)
+        return run == StackRun::Negative ? kNegative : kDone;
+    engine->pending &= static_cast<uint8_t>(~kReturnPending);
     return engine->returnValue ? kDone : kNegative;
 }
 
@@ -227,7 +255,7 @@ int scriptEngineReturn(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* arg
     if (nullArguments(engine, block, args)) return kInvalidCall;
     ScriptTruth truth = kTrue;
     if (args->count > 0 && !branchCondition(engine, block, args, &truth)) return kError;
-    engine->returnPending = 1;
+    engine->pending |= kReturnPending;
     engine->returnValue = truth == kTrue;
     return truth == kTrue ? kDone : kNegative;
 }
@@ -276,13 +304,13 @@ int scriptEngineFor(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, 
 
 int scriptEngineBreak(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
     if (nullArguments(engine, block, args)) return kInvalidCall;
-    engine->breakPending = 1;
+    engine->pending |= kBreakPending;
     return kDone;
 }
 
 int scriptEngineContinue(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
     if (nullArguments(engine, block, args)) return kInvalidCall;
-    engine->continuePending = 1;
+    engine->pending |= kContinuePending;
     return kDone;
 }
 
@@ -293,7 +321,7 @@ int scriptEngineExit(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
         if (in.ok()) engine->exitValue = numberToInt32(code->number);
     }
     if (!in.ok()) return in.status();
-    engine->exitPending = 1;
+    engine->pending |= kExitPending;
     return kDone;
 }
 

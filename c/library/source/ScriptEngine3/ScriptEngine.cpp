@@ -48,6 +48,7 @@ bool scriptEnginePrepareEngine(ScriptEngine* engine) {
     if (engine == nullptr) return false;
     if (!scriptEngineAddBuiltInVariables(engine))
         return failWithLocation(engine, "scriptEnginePrepareEngine: #::1111");
+    engineFindResultVars(engine);
     if (!scriptEngineRegisterDefaultFunctions(engine))
         return failWithLocation(engine,
                                 "scriptEnginePrepareEngine: Failed to register default functions");
@@ -68,23 +69,24 @@ bool scriptEnginePrepareRun(ScriptEngine* engine, const String* scriptPath) {
         logLocation(engine->logger, kLogError);
         return false;
     }
+    if (!scriptBlockMakeReady(engine->globalBlock))
+        return failWithLocation(engine, "scriptEnginePrepareRun: #::100");
     parseTablesDestroy(&engine->parseTables);
     return true;
 }
 
 bool scriptEngineRun(ScriptEngine* engine, const String* functionName) {
     if (engine == nullptr) return false;
-    engine->returnPending = 0;
-    engine->breakPending = 0;
-    engine->continuePending = 0;
-    engine->exitPending = 0;
+    engine->pending = 0;
     const GrowArray<const String*> none;
     return scriptEngineRunArgs(engine, functionName, none);
 }
 
 bool scriptEngineRunArgs(ScriptEngine* engine, const String* functionName,
                          const GrowArray<const String*>& args) {
-    if (engine == nullptr || !runGlobalBlock(engine)) return false;
+    if (engine == nullptr) return false;
+    stackMeasure(engine);
+    if (!runGlobalBlock(engine)) return false;
     const bool named = !stringIsEmpty(functionName);
     const ScriptFunction* function = scriptEngineFindUserFunction(
         engine, named ? stringView(functionName) : std::string_view("main"));

@@ -15,16 +15,14 @@ void clearOwnLiterals(ScriptBlock* block) {
 }
 
 void clearVariables(ScriptBlock* block) {
-    if (block->declaredCount != 0) {
-        for (uint32_t slot = 0; slot < block->localCapacity; ++slot)
-            if (block->locals[slot] != nullptr) scriptObjectDestroy(&block->locals[slot]);
-        block->declaredCount = 0;
-    }
+    if (!block->isDirty) return;
+    block->isDirty = 0;
+    for (uint32_t slot = 0; slot < block->localCapacity; ++slot)
+        if (block->locals[slot] != nullptr) scriptObjectDestroy(&block->locals[slot]);
     clearOwnLiterals(block);
-    if (block->extras != nullptr) {
-        block->extras->each([](uint32_t, ScriptObject* object) { scriptObjectDestroy(&object); });
-        memDelete(&block->extras);
-    }
+    if (block->extras == nullptr) return;
+    block->extras->each([](uint32_t, ScriptObject* object) { scriptObjectDestroy(&object); });
+    memDelete(&block->extras);
 }
 
 void destroyShape(BlockShape* shape) {
@@ -166,6 +164,16 @@ void scriptBlockRetire(ScriptBlock* instance) {
     instance->shape->spares = instance;
 }
 
+void scriptBlockRenew(ScriptBlock* instance) {
+    clearVariables(instance);
+    ++instance->generation;
+    instance->lastCondition = kConditionNone;
+}
+
+bool scriptBlockMakeReady(ScriptBlock* globalBlock) {
+    return makeRoomForLocals(globalBlock, globalBlock->shape->localCount);
+}
+
 bool scriptBlockReserve(ScriptBlock* blockTemplate, uint32_t id) {
     BlockShape* shape = blockTemplate->shape;
     if (id == kNoVariable) return false;
@@ -200,11 +208,11 @@ bool scriptBlockAddVar(ScriptBlock* block, uint32_t id, ScriptObject* object) {
     if (slot != nullptr && (slot->index < block->localCapacity || !block->isInstance)) {
         if (!makeRoomForLocals(block, slot->index + 1)) return false;
         block->locals[slot->index] = object;
-        ++block->declaredCount;
     } else {
         if (block->extras == nullptr) block->extras = memNew<IdMap<ScriptObject*>>();
         if (block->extras == nullptr || !block->extras->add(id, object)) return false;
     }
+    block->isDirty = 1;
     object->nameId = id;
     return true;
 }
@@ -235,18 +243,14 @@ ScriptObject* scriptBlockSearch(ScriptBlock* block, uint32_t id, ScriptBlock** w
     return nullptr;
 }
 
-ScriptObject* scriptBlockSearchPlace(ScriptBlock* block, VarPlace* place, ScriptBlock** where) {
+ScriptObject* scriptBlockSearchPlaceSlow(ScriptBlock* block, VarPlace* place, ScriptBlock** where) {
     if (place->kind == kPlaceUnknown) workOutPlace(block, place);
     switch (place->kind) {
         case kPlaceLiteral:
             if (where != nullptr) *where = block;
             return literalOf(block, place->slot);
-        case kPlaceLocal: {
-            ScriptBlock* at = block;
-            for (uint32_t depth = place->depth; depth != 0; --depth) at = at->parent;
-            if (where != nullptr) *where = at;
-            return place->slot < at->localCapacity ? at->locals[place->slot] : nullptr;
-        }
+        case kPlaceLocal:
+            return scriptBlockSearchPlace(block, place, where);
         case kPlaceMany:
             return searchCandidates(block, *place, where);
         default:
@@ -266,6 +270,7 @@ ScriptObject* scriptBlockOwnLiteral(ScriptBlock* block, ScriptObject* object) {
                 if (block->ownLiterals == nullptr) return nullptr;
                 std::memset(block->ownLiterals, 0, bytes);
             }
+            block->isDirty = 1;
             if (block->ownLiterals[slot] == nullptr)
                 block->ownLiterals[slot] = scriptObjectClone(object);
             return block->ownLiterals[slot];

@@ -44,7 +44,7 @@ struct ScriptBlock {
     ScriptBlock* nextSpare;
     uint32_t generation;  // raised when the instance ends: references into it are dead
     uint32_t localCapacity;
-    uint32_t declaredCount;  // locals present: none present need not be looked for at the end
+    uint8_t isDirty;  // has variables or literals of its own: there is something to end
     uint8_t isInstance;
     uint8_t runsItself;  // the global block: template and only activation in one
     uint8_t lastCondition;
@@ -61,6 +61,11 @@ void scriptBlockDestroy(ScriptBlock** block);
 ScriptBlock* scriptBlockInstantiate(ScriptBlock* blockTemplate, ScriptBlock* parent);
 // Ends an activation: its variables go, and it waits to be used again.
 void scriptBlockRetire(ScriptBlock* instance);
+// Ends an activation and begins the next in its place, with the same parent.
+void scriptBlockRenew(ScriptBlock* instance);
+// Before the first run, once all names are known: gives the global block, which
+// is run as it is, the slots of all of them.
+bool scriptBlockMakeReady(ScriptBlock* globalBlock);
 
 // Parse time: gives the name a slot in the template, if it has none yet.
 bool scriptBlockReserve(ScriptBlock* blockTemplate, uint32_t id);
@@ -81,8 +86,24 @@ ScriptObject* scriptBlockOwnVar(ScriptBlock* block, uint32_t id);
 // The variable of this id, raw, in this block or the nearest parent that has
 // it; `where` (may be null) receives the block. May be shared.
 ScriptObject* scriptBlockSearch(ScriptBlock* block, uint32_t id, ScriptBlock** where);
-// The same through a place, fast after the first time.
-ScriptObject* scriptBlockSearchPlace(ScriptBlock* block, VarPlace* place, ScriptBlock** where);
+// What stands behind `scriptBlockSearchPlace` where a place has no short way.
+ScriptObject* scriptBlockSearchPlaceSlow(ScriptBlock* block, VarPlace* place, ScriptBlock** where);
+
+// The same through a place, in a few instructions after the first time. `where`
+// may be null.
+inline ScriptObject* scriptBlockSearchPlace(ScriptBlock* block, VarPlace* place,
+                                            ScriptBlock** where) {
+    if (place->kind == kPlaceLocal) {
+        for (uint32_t depth = place->depth; depth != 0; --depth) block = block->parent;
+        if (where != nullptr) *where = block;
+        return block->locals[place->slot];
+    }
+    if (place->kind == kPlaceLiteral && block->ownLiterals == nullptr) {
+        if (where != nullptr) *where = block;
+        return block->shape->literals[place->slot];
+    }
+    return scriptBlockSearchPlaceSlow(block, place, where);
+}
 
 // The instance's own copy of an object that it shares with its template; the
 // object itself when it is not shared. The search goes through the chain of

@@ -48,7 +48,13 @@ struct ResultVariables {
     ScriptObject* outOfMemory;
 };
 
-struct ScriptExpression;
+// What is on its way out of the running blocks.
+enum PendingFlag : uint8_t {
+    kReturnPending = 1,
+    kBreakPending = 2,
+    kContinuePending = 4,
+    kExitPending = 8,  // `exit` ran; never cleared
+};
 
 // The interpreter: all that a script makes belongs to it.
 struct ScriptEngine {
@@ -65,10 +71,9 @@ struct ScriptEngine {
     Map* locks;
     Lock* lockTableLock;
     GrowArray<ScriptBlock*> stack;  // running instances, innermost last
-    uint8_t returnPending;
-    uint8_t breakPending;
-    uint8_t continuePending;
-    uint8_t exitPending;
+    // `returnPending` and its three companions as bits: each statement asks for
+    // all of them at once.
+    uint8_t pending;
     uint8_t returnValue;
     uint8_t requireSignature;
     int32_t exitValue;
@@ -78,10 +83,8 @@ struct ScriptEngine {
     uint32_t invalidArgsVar;
     uint32_t outOfMemoryVar;
     ResultVariables results;
-
-    bool anyPending() const {
-        return (returnPending | breakPending | continuePending | exitPending) != 0;
-    }
+    // Running goes no deeper than this address of the native stack.
+    const char* stackFloor;
 };
 
 // The next free id for objects that are made at run time: one above every id handed out.
@@ -99,7 +102,7 @@ uint32_t scriptAnonymousVarId();
 // statement. Takes ownership; false when memory runs out (the object is ended).
 bool scriptTemporariesAdd(ScriptObject* object);
 void scriptTemporariesFlush();
-bool scriptTemporariesPresent();
+extern GrowArray<ScriptObject*> scriptTemporaries;
 
 // Makes an engine's record with its empty tables; null when memory runs out.
 // Ends with `scriptEngineRecordDestroy`, which takes all that the engine owns.

@@ -18,18 +18,39 @@ struct ExprToken {
 };
 
 // Where a step of a program takes an operand from.
-enum ExprSource : uint8_t { kFromStack, kFromPlace };
+enum ExprSource : uint8_t {
+    kFromStack,
+    kFromPlace,   // looked up by its place
+    kFromNumber,  // a literal number, until the instance has literals of its own
+    kFromLocal,   // a slot of the block itself: found out at the first use
+    kFromOuter,   // a slot of the block `place.depth` above
+};
+
+struct ExprOperand {
+    ExprSource from;
+    VarPlace place;
+    double number;
+};
+
+enum ExprStepKind : uint8_t {
+    kStepPush,
+    kStepUnary,
+    kStepBinary,
+    kStepAssign,   // a binary step that leaves its value on the left
+    kStepClone,    // the whole program is one variable: a copy of it
+    kStepInvalid,  // the program cannot go on
+};
 
 // One step of the ready form of a program: an operation with its operands
 // named where they can be, or a push. The steps do what the tokens say in the
 // order in which they say it; they only spare the moves over the stack.
 struct ExprStep {
+    ExprStepKind kind;
     uint8_t op;
-    ExprSource leftFrom;
-    ExprSource rightFrom;
     bool isLast;
-    VarPlace left;
-    VarPlace right;
+    uint8_t taken;  // operands that come from the stack
+    ExprOperand left;
+    ExprOperand right;
 };
 
 // A compiled expression in postfix order. The tokens never change; the steps
@@ -37,7 +58,8 @@ struct ExprStep {
 struct ScriptExpression {
     GrowArray<ExprToken> tokens;
     GrowArray<ExprStep> steps;
-    uint32_t stackDepth = 0;  // the most values that the steps keep on the stack
+    const ExprStep* single = nullptr;  // the step of a program that has but one
+    uint32_t stackDepth = 0;           // the most values that the steps keep on the stack
 };
 
 // An empty program; null when memory runs out. Ends with `scriptExpressionDestroy`.

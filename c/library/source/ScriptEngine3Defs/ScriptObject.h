@@ -27,6 +27,8 @@ enum ScriptObjectFlags : uint8_t {
     // An operation is walking through this object now; meeting it again inside
     // itself ends the operation.
     kObjectInWalk = 2,
+    // A value that an expression has made and owns while it is being evaluated.
+    kObjectMade = 4,
 };
 
 // One script value. The payload slots lie inside the record, a number and the

@@ -1,6 +1,7 @@
 #include "ScriptEngine3Defs/ScriptEngineRecord.h"
 
 uint32_t scriptVarIdCounter = 0;
+GrowArray<ScriptObject*> scriptTemporaries;
 
 namespace {
 
@@ -8,11 +9,6 @@ uint32_t handOutId(ParseTables* tables) {
     const uint32_t id = ++tables->lastVarId;
     if (id >= scriptVarIdCounter) scriptVarIdCounter = id + 1;
     return id;
-}
-
-GrowArray<ScriptObject*>& temporaries() {
-    static GrowArray<ScriptObject*> objects;
-    return objects;
 }
 
 }  // namespace
@@ -33,17 +29,12 @@ uint32_t scriptAnonymousVarId() {
 }
 
 bool scriptTemporariesAdd(ScriptObject* object) {
-    if (temporaries().push(object)) return true;
+    if (scriptTemporaries.push(object)) return true;
     scriptObjectDestroy(&object);
     return false;
 }
 
-bool scriptTemporariesPresent() {
-    return !temporaries().empty();
-}
-
 void scriptTemporariesFlush() {
-    GrowArray<ScriptObject*>& objects = temporaries();
-    for (ScriptObject*& object : objects) scriptObjectDestroy(&object);
-    objects.clear();
+    for (ScriptObject*& object : scriptTemporaries) scriptObjectDestroy(&object);
+    scriptTemporaries.clear();
 }

@@ -1,38 +1,29 @@
 #include "ScriptEngine3Expressions/Evaluator.h"
 
-#include <cmath>
-
 #include "ScriptEngine3Expressions/ExpressionSteps.h"
-#include "ScriptEngine3Expressions/Operations.h"
+#include "ScriptEngine3Expressions/NumberSteps.h"
 #include "strings/StringCompare.h"
 #include "strings/StringNumbers.h"
 
 namespace {
 
-// A value on its way through a program: a plain number, a variable, or an
-// object that this run has made and owns.
-struct EvalValue {
-    ScriptObject* object;  // null: the number counts
-    double number;
-    bool owned;
-
-    static EvalValue ofNumber(double number) { return {nullptr, number, false}; }
-    static EvalValue ofVariable(ScriptObject* object) { return {object, 0, false}; }
-    static EvalValue ofResult(ScriptObject* object) { return {object, 0, true}; }
-};
-
-inline bool isNumber(const EvalValue& value, double* number) {
-    if (value.object == nullptr) {
-        *number = value.number;
-        return true;
-    }
-    if (value.object->type != kTypeNumber) return false;
-    *number = value.object->number;
-    return true;
+inline bool isMade(const EvalValue& value) {
+    return value.object != nullptr && (value.object->flags & kObjectMade) != 0;
 }
 
-inline void drop(EvalValue& value) {
-    if (value.owned) scriptObjectDestroy(&value.object);
+inline void drop(EvalValue value) {
+    if (isMade(value)) scriptObjectDestroy(&value.object);
+}
+
+// A result that the run owns from now on.
+EvalValue valueOfMade(ScriptObject* object) {
+    if (object->type == kTypeNumber) {
+        const double number = object->number;
+        scriptObjectDestroy(&object);
+        return valueOfNumber(number);
+    }
+    object->flags |= kObjectMade;
+    return {object, 0};
 }
 
 // One run of a program.
@@ -41,16 +32,18 @@ class Evaluation {
     Evaluation(ScriptEngine* engine, ScriptBlock* block, EvalWant want)
         : engine_(engine), block_(block), want_(want) {}
 
-    bool run(ScriptExpression* expression, EvalValue* stack, EvalValue* result);
+    // Leaves the result at the bottom of the stack.
+    bool run(ScriptExpression* expression, EvalValue* stack);
 
   private:
-    bool push(VarPlace* place, EvalValue* value);
-    bool unary(uint8_t op, EvalValue& right, EvalValue* result);
-    bool binary(const ExprStep& step, EvalValue& left, EvalValue& right, EvalValue* result);
-    bool numbers(uint8_t op, double left, double right, EvalValue* result);
-    bool assignNumber(const ExprStep& step, EvalValue& left, double right, EvalValue* result);
-    bool strings(const ExprStep& step, EvalValue& left, EvalValue& right, EvalValue* result);
-    bool appendInPlace(const ExprStep& step, EvalValue& left, EvalValue& right, EvalValue* result);
+    bool slowStep(ExprStep* step, EvalValue*& top, EvalValue* result);
+    bool load(ExprOperand* operand, EvalValue*& top, EvalValue* value);
+    bool loadBoth(ExprStep* step, EvalValue*& top, EvalValue* left, EvalValue* right);
+    bool unary(const ExprStep& step, EvalValue right, EvalValue* result);
+    bool binary(const ExprStep& step, EvalValue left, EvalValue right, EvalValue* result);
+    bool onNumbers(const ExprStep& step, EvalValue left, EvalValue right, EvalValue* result);
+    bool ofStrings(const ExprStep& step, EvalValue& left, EvalValue right, EvalValue* result);
+    bool assignAny(const ExprStep& step, EvalValue& left, EvalValue& right, EvalValue* result);
     bool byOperation(uint8_t op, EvalValue* left, EvalValue& right, EvalValue* result);
     bool copyOf(ScriptObject* object, bool isLast, EvalValue* result);
     bool toObject(EvalValue& value);
@@ -67,24 +60,39 @@ bool Evaluation::fail(const char* message) {
     return false;
 }
 
-inline bool Evaluation::push(VarPlace* place, EvalValue* value) {
-    ScriptObject* object = scriptBlockSearchPlace(block_, place, nullptr);
-    if (object == nullptr) return fail("scriptEngineEvaluate: Undefined variable in expression");
-    *value = EvalValue::ofVariable(object);
-    return true;
+// Takes an operand, and notes where it stands for the next time.
+bool Evaluation::load(ExprOperand* operand, EvalValue*& top, EvalValue* value) {
+    if (operand->from == kFromStack) {
+        *value = *--top;
+        return true;
+    }
+    value->object = scriptBlockSearchPlace(block_, &operand->place, nullptr);
+    if (operand->from == kFromPlace && operand->place.kind == kPlaceLocal)
+        operand->from = operand->place.depth == 0 ? kFromLocal : kFromOuter;
+    if (value->object != nullptr) return true;
+    return fail("scriptEngineEvaluate: Undefined variable in expression");
+}
+
+// The right operand is on top of the left one; a variable on the left is
+// looked up before one on the right.
+bool Evaluation::loadBoth(ExprStep* step, EvalValue*& top, EvalValue* left, EvalValue* right) {
+    if (step->left.from == kFromStack)
+        return load(&step->right, top, right) && load(&step->left, top, left);
+    return load(&step->left, top, left) && load(&step->right, top, right);
 }
 
 bool Evaluation::toObject(EvalValue& value) {
     if (value.object != nullptr) return true;
     value.object = scriptObjectCreateNumber(value.number);
-    value.owned = value.object != nullptr;
-    return value.owned;
+    if (value.object == nullptr) return false;
+    value.object->flags |= kObjectMade;
+    return true;
 }
 
 // Makes sure that what is about to change, or to be referred to, is this
 // instance's own and not the template's.
 bool Evaluation::own(EvalValue& value) {
-    if (value.object == nullptr || !value.object->isShared()) return true;
+    if (!value.object->isShared()) return true;
     value.object = scriptBlockOwnLiteral(block_, value.object);
     return value.object != nullptr;
 }
@@ -93,294 +101,246 @@ bool Evaluation::own(EvalValue& value) {
 // keeps the last result, the variable itself serves.
 bool Evaluation::copyOf(ScriptObject* object, bool isLast, EvalValue* result) {
     if (object->type == kTypeNumber) {
-        *result = EvalValue::ofNumber(object->number);
+        *result = valueOfNumber(object->number);
         return true;
     }
     if (isLast && want_ != kWantValue && object->type != kTypePointer &&
         scriptObjectCanClone(object)) {
-        *result = EvalValue::ofVariable(object);
+        *result = {object, 0};
         return true;
     }
     ScriptObject* copy = scriptObjectClone(object);
-    *result = EvalValue::ofResult(copy);
-    return copy != nullptr;
-}
-
-inline bool Evaluation::numbers(uint8_t op, double left, double right, EvalValue* result) {
-    double value;
-    switch (op) {
-        case kOpPlus:
-            value = left + right;
-            break;
-        case kOpMinus:
-            value = left - right;
-            break;
-        case kOpMult:
-            value = left * right;
-            break;
-        case kOpDiv:
-            value = right == 0 ? 0 : left / right;
-            break;
-        case kOpMod:
-            value = evaluateRemainder(left, right);
-            break;
-        case kOpLt:
-            value = left < right;
-            break;
-        case kOpGt:
-            value = left > right;
-            break;
-        // An unordered pair counts as equal.
-        case kOpLe:
-            value = !(left > right);
-            break;
-        case kOpGe:
-            value = !(left < right);
-            break;
-        case kOpEq:
-            value = !(left < right) && !(left > right);
-            break;
-        case kOpNe:
-            value = left < right || left > right;
-            break;
-        case kOpMax:
-            value = left > right ? left : right;
-            break;
-        case kOpMin:
-            value = left < right ? left : right;
-            break;
-        case kOpAvg:
-            value = (left + right) * 0.5;
-            break;
-        case kOpPow:
-            value = std::pow(left, right);
-            break;
-        case kOpAnd:
-            value = left != 0 && right != 0;
-            break;
-        case kOpOr:
-            value = left != 0 || right != 0;
-            break;
-        default:
-            return false;
-    }
-    *result = EvalValue::ofNumber(value);
+    if (copy == nullptr) return false;
+    *result = valueOfMade(copy);
     return true;
 }
 
-// The plain operator of a compound assignment; 0 for any other.
-constexpr uint8_t plainOperator(uint8_t op) {
-    switch (op) {
-        case kOpAddAssign:
-            return kOpPlus;
-        case kOpSubAssign:
-            return kOpMinus;
-        case kOpMultAssign:
-            return kOpMult;
-        case kOpDivAssign:
-            return kOpDiv;
-        case kOpModAssign:
-            return kOpMod;
-        case kOpPowAssign:
-            return kOpPow;
-        default:
-            return 0;
+// Two numbers, wherever they come from.
+bool Evaluation::onNumbers(const ExprStep& step, EvalValue left, EvalValue right,
+                           EvalValue* result) {
+    const double* leftNumber = numberIn(left);
+    const double* rightNumber = numberIn(right);
+    if (leftNumber == nullptr || rightNumber == nullptr) return false;
+    if (step.kind == kStepBinary) {
+        result->object = nullptr;
+        return ofNumbers(step.op, *leftNumber, *rightNumber, &result->number);
     }
-}
-
-// An assignment of a number to a variable that holds a number.
-inline bool Evaluation::assignNumber(const ExprStep& step, EvalValue& left, double right,
-                                     EvalValue* result) {
-    if (left.object == nullptr || left.object->type != kTypeNumber || left.object->isShared())
+    if (left.object == nullptr || left.object->isShared()) return false;
+    double value = *rightNumber;
+    if (step.op != kOpAssign &&
+        !ofNumbers(kPlainOperators[step.op - kOpAssign], *leftNumber, value, &value))
         return false;
-    if (step.op == kOpAssign) {
-        *result = EvalValue::ofNumber(right);
-    } else {
-        const uint8_t plain = plainOperator(step.op);
-        if (plain == 0 || !numbers(plain, left.object->number, right, result)) return false;
-    }
-    left.object->number = result->number;
+    left.object->number = value;
+    *result = valueOfNumber(value);
     return true;
 }
 
-// Comparisons of two strings, which make no object.
-inline bool Evaluation::strings(const ExprStep& step, EvalValue& left, EvalValue& right,
-                                EvalValue* result) {
-    if (step.op < kOpLt || step.op > kOpNe || right.object->type != kTypeString) return false;
-    if (step.op > kOpGe && step.op < kOpEq) return false;
-    const int order = stringCompare(&left.object->string, &right.object->string);
-    return numbers(step.op, order, 0, result);
+bool isOrderOperator(uint8_t op) {
+    return (op >= kOpLt && op <= kOpGe) || op == kOpEq || op == kOpNe;
 }
 
-// `x .= y` and `x += y` on a string, and a chain of `.`: the text grows where
-// it is, when nobody can see the moment in between.
-bool Evaluation::appendInPlace(const ExprStep& step, EvalValue& left, EvalValue& right,
-                               EvalValue* result) {
+bool Evaluation::binary(const ExprStep& step, EvalValue left, EvalValue right, EvalValue* result) {
+    bool good = onNumbers(step, left, right, result);
+    if (!good && left.object != nullptr && left.object->type == kTypeString)
+        good = ofStrings(step, left, right, result);
+    if (!good)
+        good = step.op == kOpAssign && left.object != nullptr && left.object->type != kTypePointer
+                   ? assignAny(step, left, right, result)
+                   : byOperation(step.op, &left, right, result);
+    drop(left);
+    drop(right);
+    return good;
+}
+
+// What needs no object when the left side is a string: an order of two
+// strings, and a text that grows where it is, when nobody can see the moment in
+// between (`x .= y`, `x += y`, a chain of `.`). False when it is none of these.
+bool Evaluation::ofStrings(const ExprStep& step, EvalValue& left, EvalValue right,
+                           EvalValue* result) {
+    const bool twoStrings = right.object != nullptr && right.object->type == kTypeString;
+    if (twoStrings && isOrderOperator(step.op)) {
+        const int order = stringCompare(&left.object->string, &right.object->string);
+        result->object = nullptr;
+        return ofNumbers(step.op, order, 0, &result->number);
+    }
     const bool assigns = step.op == kOpConcatAssign || step.op == kOpAddAssign;
-    const bool chains = left.owned && (step.op == kOpConcat || step.op == kOpPlus);
+    const bool chains = isMade(left) && (step.op == kOpConcat || step.op == kOpPlus);
     if ((!assigns && !chains) || left.object->isShared() || left.object == right.object)
         return false;
-    double number;
-    if (isNumber(right, &number)) {
-        if (!stringAppendDouble(&left.object->string, number)) return false;
-    } else if (right.object->type == kTypeString) {
-        if (!stringAppend(&left.object->string, &right.object->string)) return false;
-    } else {
+    const double* number = numberIn(right);
+    if (number != nullptr) {
+        if (!stringAppendDouble(&left.object->string, *number)) return false;
+    } else if (!twoStrings || !stringAppend(&left.object->string, &right.object->string)) {
         return false;
     }
     if (assigns) return copyOf(left.object, step.isLast, result);
     *result = left;
-    left.owned = false;
+    left.object = nullptr;
     return true;
+}
+
+bool Evaluation::assignAny(const ExprStep& step, EvalValue& left, EvalValue& right,
+                           EvalValue* result) {
+    if (!toObject(right) || !own(left) || !scriptObjectAssign(engine_, left.object, right.object))
+        fail("evaluateAssign: Failed to assign");
+    else if (copyOf(left.object, step.isLast, result))
+        return true;
+    return fail("scriptEngineEvaluate: Failed to evaluate expression");
 }
 
 // Through the table of operations, for all that has no shorter way.
 bool Evaluation::byOperation(uint8_t op, EvalValue* left, EvalValue& right, EvalValue* result) {
     const ScriptOperator operation = scriptOperatorRow(op).operation;
-    const bool changesRight = op == kOpIncr || op == kOpDecr;
     const bool assigns = op >= kOpAssign;
+    const bool changesRight = assigns || op == kOpIncr || op == kOpDecr;
     ScriptObject* made = nullptr;
     if (operation != nullptr && (left == nullptr || toObject(*left)) && toObject(right) &&
-        (!assigns || (own(*left) && own(right))) && (!changesRight || own(right))) {
+        (!assigns || own(*left)) && (!changesRight || own(right)))
         made = operation(engine_, block_, left == nullptr ? nullptr : left->object, right.object);
-    }
     if (made == nullptr) return fail("scriptEngineEvaluate: Failed to evaluate expression");
     // An empty pointer may have been aimed at the operand: it lives on as long
     // as the statement's other temporaries.
-    if (assigns && left->object->type == kTypePointer && right.owned) {
+    if (assigns && left->object->type == kTypePointer && isMade(right)) {
+        right.object->flags &= static_cast<uint8_t>(~kObjectMade);
         scriptTemporariesAdd(right.object);
-        right.owned = false;
     }
-    *result = EvalValue::ofResult(made);
+    *result = valueOfMade(made);
     return true;
 }
 
-inline bool Evaluation::unary(uint8_t op, EvalValue& right, EvalValue* result) {
-    double number;
-    if (isNumber(right, &number)) {
-        const bool isOwnVariable = right.object != nullptr && !right.object->isShared();
-        if (op == kOpNot) {
-            *result = EvalValue::ofNumber(number == 0);
+bool Evaluation::unary(const ExprStep& step, EvalValue right, EvalValue* result) {
+    const double* number = numberIn(right);
+    if (number != nullptr) {
+        if (step.op == kOpNot) {
+            *result = valueOfNumber(*number == 0);
             return true;
         }
-        if ((op == kOpIncr || op == kOpDecr) && isOwnVariable) {
-            right.object->number += op == kOpIncr ? 1 : -1;
-            *result = EvalValue::ofNumber(right.object->number);
+        if ((step.op == kOpIncr || step.op == kOpDecr) && right.object != nullptr &&
+            !right.object->isShared()) {
+            right.object->number += step.op == kOpIncr ? 1 : -1;
+            *result = valueOfNumber(right.object->number);
             return true;
         }
     }
-    return byOperation(op, nullptr, right, result);
+    const bool good = byOperation(step.op, nullptr, right, result);
+    drop(right);
+    return good;
 }
 
-inline bool Evaluation::binary(const ExprStep& step, EvalValue& left, EvalValue& right,
-                               EvalValue* result) {
-    double leftNumber;
-    double rightNumber;
-    if (isNumber(right, &rightNumber)) {
-        if (step.op >= kOpAssign) {
-            if (assignNumber(step, left, rightNumber, result)) return true;
-        } else if (isNumber(left, &leftNumber) &&
-                   numbers(step.op, leftNumber, rightNumber, result)) {
-            return true;
-        }
+bool Evaluation::slowStep(ExprStep* step, EvalValue*& top, EvalValue* result) {
+    EvalValue left;
+    EvalValue right;
+    switch (step->kind) {
+        case kStepBinary:
+        case kStepAssign:
+            return loadBoth(step, top, &left, &right) && binary(*step, left, right, result);
+        case kStepUnary:
+            return load(&step->right, top, &right) && unary(*step, right, result);
+        case kStepPush:
+            return load(&step->right, top, result);
+        case kStepClone:
+            return load(&step->right, top, &right) &&
+                   (copyOf(right.object, true, result) ||
+                    fail("scriptEngineEvaluate: Invalid expression"));
+        default:
+            return fail("scriptEngineEvaluate: Invalid expression");
     }
-    if (left.object != nullptr && left.object->type == kTypeString) {
-        if (right.object != nullptr && strings(step, left, right, result)) return true;
-        if (appendInPlace(step, left, right, result)) return true;
-    }
-    if (step.op == kOpAssign && step.isLast && want_ == kWantNothing && left.object != nullptr &&
-        left.object->type != kTypePointer && toObject(right) && own(left)) {
-        if (!scriptObjectAssign(engine_, left.object, right.object))
-            return fail("evaluateAssign: Failed to assign") ||
-                   fail("scriptEngineEvaluate: Failed to evaluate expression");
-        return copyOf(left.object, true, result) ||
-               fail("scriptEngineEvaluate: Failed to evaluate expression");
-    }
-    return byOperation(step.op, &left, right, result);
 }
 
-bool Evaluation::run(ScriptExpression* expression, EvalValue* stack, EvalValue* result) {
+inline bool Evaluation::run(ScriptExpression* expression, EvalValue* stack) {
     EvalValue* top = stack;  // one above the topmost value
-    bool good = true;
-    for (ExprStep& step : expression->steps) {
-        EvalValue left{};
-        EvalValue right{};
-        EvalValue made{};
-        if (step.op == kOpValue) {
-            good = push(&step.right, &made);
-        } else if (step.op == kStepInvalid) {
-            good = fail("scriptEngineEvaluate: Invalid expression");
-        } else if (step.op == kStepClone) {
-            good = push(&step.right, &left) && (copyOf(left.object, true, &made) ||
-                                                fail("scriptEngineEvaluate: Invalid expression"));
-        } else if (scriptOperatorRow(step.op).arity > 1) {
-            good = (step.leftFrom == kFromStack || push(&step.left, &left)) &&
-                   (step.rightFrom == kFromStack || push(&step.right, &right));
-            if (step.rightFrom == kFromStack) right = *--top;
-            if (step.leftFrom == kFromStack) left = *--top;
-            good = good && binary(step, left, right, &made);
-            drop(left);
-            drop(right);
+    for (ExprStep* step = expression->steps.begin();; ++step) {
+        double number;
+        if (quickStep<true>(*step, block_, top, &number)) {
+            top -= step->taken;
+            *top++ = valueOfNumber(number);
+        } else if (step->kind == kStepPush && quickPush(step->right, block_, top)) {
+            ++top;
         } else {
-            if (step.rightFrom == kFromStack)
-                right = *--top;
-            else
-                good = push(&step.right, &right);
-            good = good && unary(step.op, right, &made);
-            drop(right);
+            EvalValue* slowTop = top;
+            EvalValue result;
+            const bool good = slowStep(step, slowTop, &result);
+            top = slowTop;
+            if (!good) break;
+            *top++ = result;
         }
-        if (!good) break;
-        *top++ = made;
-    }
-    if (good) {
-        *result = *--top;
-        return true;
+        if (step->isLast) return true;
     }
     while (top != stack) drop(*--top);
     return false;
+}
+
+// Gives the caller what it wants of the result.
+void handOver(ScriptEngine* engine, ScriptBlock* block, EvalWant want, EvalValue value,
+              EvalResult* result) {
+    if (want == kWantTruth) {
+        const double* number = numberIn(value);
+        result->number = number != nullptr ? (*number == 0 ? kFalse : kTrue)
+                                           : scriptObjectGetBool(engine, value.object, block);
+        drop(value);
+    } else if (want == kWantNothing) {
+        drop(value);
+    } else {
+        if (value.object != nullptr) value.object->flags = 0;
+        result->object = value.object;
+        result->number = value.number;
+    }
+}
+
+[[gnu::noinline]] bool outOfMemory(ScriptEngine* engine) {
+    logError(engine->logger, "scriptEngineEvaluate: #::100");
+    logLocation(engine->logger, kLogError);
+    return false;
+}
+
+// A program that keeps many values at once.
+bool runLong(ScriptEngine* engine, ScriptBlock* block, ScriptExpression* expression, EvalWant want,
+             EvalValue* value) {
+    auto* stack = static_cast<EvalValue*>(memAlloc(sizeof(EvalValue) * expression->stackDepth));
+    if (stack == nullptr) return outOfMemory(engine);
+    const bool good = Evaluation(engine, block, want).run(expression, stack);
+    *value = stack[0];
+    memFree(&stack);
+    return good;
+}
+
+[[gnu::noinline]] bool runAny(ScriptEngine* engine, ScriptBlock* block,
+                              ScriptExpression* expression, EvalWant want, EvalResult* result) {
+    constexpr uint32_t kShortStack = 16;
+    if (expression->steps.empty() && !scriptExpressionPrepare(expression, block))
+        return outOfMemory(engine);
+    EvalValue value{};
+    if (expression->stackDepth > kShortStack) {
+        if (!runLong(engine, block, expression, want, &value)) return false;
+    } else {
+        EvalValue stack[kShortStack];
+        stack[0] = {};
+        if (!Evaluation(engine, block, want).run(expression, stack)) return false;
+        value = stack[0];
+    }
+    handOver(engine, block, want, value, result);
+    return true;
 }
 
 }  // namespace
 
 bool scriptEngineRunExpression(ScriptEngine* engine, ScriptBlock* block,
                                ScriptExpression* expression, EvalWant want, EvalResult* result) {
-    constexpr uint32_t kShortStack = 12;
-    if (engine == nullptr || block == nullptr || expression == nullptr) return false;
-    EvalValue shortStack[kShortStack];
-    EvalValue* stack = shortStack;
-    EvalValue* longStack = nullptr;
-    if (!scriptExpressionPrepare(expression) ||
-        (expression->stackDepth > kShortStack &&
-         (stack = longStack = static_cast<EvalValue*>(
-              memAlloc(sizeof(EvalValue) * expression->stackDepth))) == nullptr)) {
-        logError(engine->logger, "scriptEngineEvaluate: #::100");
-        logLocation(engine->logger, kLogError);
-        return false;
-    }
-    EvalValue value{};
-    const bool good = Evaluation(engine, block, want).run(expression, stack, &value);
-    memFree(&longStack);
-    if (!good) return false;
-    if (want == kWantTruth) {
+    if (expression->single != nullptr) {
+        // No operand of a single step comes from the stack.
         double number;
-        result->number = isNumber(value, &number)
-                             ? (number == 0 ? kFalse : kTrue)
-                             : scriptObjectGetBool(engine, value.object, block);
-        drop(value);
-    } else if (want == kWantNothing) {
-        drop(value);
-    } else {
-        result->object = value.object;
-        result->number = value.number;
+        if (quickStep<false>(*expression->single, block, nullptr, &number)) {
+            result->number = want == kWantTruth ? number != 0 : number;
+            return true;
+        }
     }
-    return true;
+    return runAny(engine, block, expression, want, result);
 }
 
 ScriptObject* scriptEngineEvaluate(ScriptEngine* engine, ScriptBlock* block,
                                    ScriptExpression* expression) {
-    EvalResult result;
-    if (!scriptEngineRunExpression(engine, block, expression, kWantValue, &result)) return nullptr;
-    return result.object != nullptr ? result.object : scriptObjectCreateNumber(result.number);
+    if (engine == nullptr || block == nullptr || expression == nullptr) return nullptr;
+    return scriptEvaluateToObject(engine, block, expression);
 }
 
 namespace {

@@ -9,10 +9,10 @@
 bool scriptOperatorsInit();
 void scriptOperatorsDone();
 
-// Runs a program in the block; see `ScriptEvaluator`. Null arguments fail.
+// Runs a program in the block; see `ScriptEvaluator`.
 bool scriptEngineRunExpression(ScriptEngine* engine, ScriptBlock* block,
                                ScriptExpression* expression, EvalWant want, EvalResult* result);
 
-// The result as an object that the caller owns, or null.
+// The result as an object that the caller owns, or null, also for null arguments.
 ScriptObject* scriptEngineEvaluate(ScriptEngine* engine, ScriptBlock* block,
                                    ScriptExpression* expression);

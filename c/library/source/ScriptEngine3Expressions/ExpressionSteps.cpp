@@ -1,71 +1,83 @@
 #include "ScriptEngine3Expressions/ExpressionSteps.h"
 
+#include "ScriptEngine3Expressions/Operators.h"
+
 namespace {
 
-VarPlace placeOf(const ExprToken& token) {
-    VarPlace place;
-    place.id = token.varId;
-    if (token.literalSlot != kNoVariable) {
-        place.kind = kPlaceLiteral;
-        place.slot = token.literalSlot;
+ExprOperand operandOf(const ExprToken& token, const ScriptBlock* block) {
+    ExprOperand operand{};
+    operand.place.id = token.varId;
+    operand.from = kFromPlace;
+    if (token.literalSlot == kNoVariable) return operand;
+    operand.place.kind = kPlaceLiteral;
+    operand.place.slot = token.literalSlot;
+    const ScriptObject* literal = block->shape->literals[token.literalSlot];
+    if (literal->type == kTypeNumber && literal->isShared()) {
+        operand.from = kFromNumber;
+        operand.number = literal->number;
     }
-    return place;
+    return operand;
 }
 
-ExprStep plainStep(uint8_t op) {
+ExprStep plainStep(ExprStepKind kind, uint32_t op) {
     ExprStep step{};
-    step.op = op;
-    step.leftFrom = kFromStack;
-    step.rightFrom = kFromStack;
+    step.kind = kind;
+    step.op = static_cast<uint8_t>(op);
     return step;
 }
 
 bool endsInPush(const GrowArray<ExprStep>& steps) {
-    return !steps.empty() && steps.back().op == kOpValue;
+    return !steps.empty() && steps.back().kind == kStepPush;
 }
 
 // The step of an operator. An operand that the step before has just pushed is
 // taken from its variable, and the push falls away: nothing runs in between.
 ExprStep operatorStep(GrowArray<ExprStep>& steps, uint32_t op) {
-    ExprStep step = plainStep(static_cast<uint8_t>(op));
+    const bool isUnary = scriptOperatorRow(op).arity < 2;
+    ExprStep step = plainStep(isUnary           ? kStepUnary
+                              : op >= kOpAssign ? kStepAssign
+                                                : kStepBinary,
+                              op);
     if (!endsInPush(steps)) return step;
-    step.rightFrom = kFromPlace;
     step.right = steps.pop().right;
-    if (scriptOperatorRow(op).arity < 2 || !endsInPush(steps)) return step;
-    step.leftFrom = kFromPlace;
+    if (isUnary || !endsInPush(steps)) return step;
     step.left = steps.pop().right;
     return step;
 }
 
-bool makeSteps(ScriptExpression* expression) {
+bool makeSteps(ScriptExpression* expression, const ScriptBlock* block) {
     GrowArray<ExprStep>& steps = expression->steps;
     uint32_t depth = 0;
     for (const ExprToken& token : expression->tokens) {
         if (token.op == kOpValue) {
-            ExprStep push = plainStep(kOpValue);
-            push.right = placeOf(token);
+            ExprStep push = plainStep(kStepPush, kOpValue);
+            push.right = operandOf(token, block);
             if (!steps.push(push)) return false;
             if (++depth > expression->stackDepth) expression->stackDepth = depth;
             continue;
         }
         const uint32_t operands = scriptOperatorRow(token.op).arity > 1 ? 2 : 1;
-        if (depth < operands) return steps.push(plainStep(kStepInvalid));
-        if (!steps.push(operatorStep(steps, token.op))) return false;
+        if (depth < operands) return steps.push(plainStep(kStepInvalid, 0));
+        ExprStep step = operatorStep(steps, token.op);
+        step.taken = static_cast<uint8_t>((step.right.from == kFromStack) +
+                                          (operands > 1 && step.left.from == kFromStack));
+        if (!steps.push(step)) return false;
         depth -= operands - 1;
     }
-    if (depth != 1) return steps.push(plainStep(kStepInvalid));
-    if (expression->tokens.size() == 1) steps.back().op = kStepClone;
+    if (depth != 1) return steps.push(plainStep(kStepInvalid, 0));
+    if (expression->tokens.size() == 1) steps.back().kind = kStepClone;
     return true;
 }
 
 }  // namespace
 
-bool scriptExpressionPrepare(ScriptExpression* expression) {
+bool scriptExpressionPrepare(ScriptExpression* expression, const ScriptBlock* block) {
     if (!expression->steps.empty()) return true;
-    if (!makeSteps(expression)) {
+    if (!makeSteps(expression, block)) {
         expression->steps.clear();
         return false;
     }
     expression->steps.back().isLast = true;
+    if (expression->steps.size() == 1) expression->single = &expression->steps[0];
     return true;
 }

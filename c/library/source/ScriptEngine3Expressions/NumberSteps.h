@@ -1,0 +1,191 @@
+#pragma once
+
+#include <cmath>
+
+#include "ScriptEngine3Defs/ScriptBlock.h"
+#include "ScriptEngine3Defs/ScriptExpression.h"
+#include "ScriptEngine3Expressions/Operations.h"
+
+// The steps of a program that have to do with nothing but numbers: what makes
+// a loop fast. Everything else is for the evaluator.
+
+// A value on its way through a program: a plain number, or an object. An object
+// that this run has made and owns carries `kObjectMade`; any other is a variable.
+struct EvalValue {
+    ScriptObject* object;  // null: the number counts
+    double number;
+};
+
+constexpr EvalValue valueOfNumber(double number) {
+    return {nullptr, number};
+}
+
+inline const double* numberIn(const EvalValue& value) {
+    if (value.object == nullptr) return &value.number;
+    return value.object->type == kTypeNumber ? &value.object->number : nullptr;
+}
+
+// The plain operator of a compound assignment on numbers; 0 for any other.
+inline constexpr uint8_t kPlainOperators[] = {
+    // From kOpAssign on. ORDER op-codes
+    0, 0, kOpPlus, kOpMinus, kOpMult, kOpDiv, kOpMod, kOpPow,
+};
+
+// What an operator makes of two numbers; false where it has another meaning.
+[[gnu::always_inline]] inline bool ofNumbers(uint8_t op, double left, double right,
+                                             double* result) {
+    switch (op) {
+        case kOpPlus:
+            *result = left + right;
+            return true;
+        case kOpMinus:
+            *result = left - right;
+            return true;
+        case kOpMult:
+            *result = left * right;
+            return true;
+        case kOpDiv:
+            *result = right == 0 ? 0 : left / right;
+            return true;
+        case kOpMod:
+            *result = evaluateRemainder(left, right);
+            return true;
+        case kOpPow:
+            *result = std::pow(left, right);
+            return true;
+        case kOpLt:
+            *result = left < right;
+            return true;
+        case kOpGt:
+            *result = left > right;
+            return true;
+        // An unordered pair counts as equal.
+        case kOpLe:
+            *result = !(left > right);
+            return true;
+        case kOpGe:
+            *result = !(left < right);
+            return true;
+        case kOpEq:
+            *result = !(left < right) && !(left > right);
+            return true;
+        case kOpNe:
+            *result = left < right || left > right;
+            return true;
+        case kOpAnd:
+            *result = left != 0 && right != 0;
+            return true;
+        case kOpOr:
+            *result = left != 0 || right != 0;
+            return true;
+        case kOpMax:
+            *result = left > right ? left : right;
+            return true;
+        case kOpMin:
+            *result = left < right ? left : right;
+            return true;
+        case kOpAvg:
+            *result = (left + right) * 0.5;
+            return true;
+        default:
+            return false;
+    }
+}
+
+inline ScriptObject* slotAbove(ScriptBlock* block, const VarPlace& place) {
+    for (uint32_t depth = place.depth; depth != 0; --depth) block = block->parent;
+    return block->locals[place.slot];
+}
+
+// Where an operand that is a number has it, or null when it is none, or when
+// finding it takes more than a glance. `top` is one above the operand on the
+// stack; a program of one step has nothing there.
+template <bool kHasStack>
+[[gnu::always_inline]] inline const double* numberAt(const ExprOperand& operand, ScriptBlock* block,
+                                                     const EvalValue* top) {
+    const ScriptObject* object;
+    if (operand.from == kFromLocal) {
+        object = block->locals[operand.place.slot];
+    } else if (operand.from == kFromNumber) {
+        return block->ownLiterals == nullptr ? &operand.number : nullptr;
+    } else if (kHasStack && operand.from == kFromStack) {
+        return numberIn(top[-1]);
+    } else if (operand.from == kFromOuter) {
+        object = slotAbove(block, operand.place);
+    } else {
+        return nullptr;
+    }
+    return object != nullptr && object->type == kTypeNumber ? &object->number : nullptr;
+}
+
+// A binary step on two numbers. False, with nothing changed, when it is more than that.
+template <bool kHasStack>
+[[gnu::always_inline]] inline bool quickBinary(const ExprStep& step, ScriptBlock* block,
+                                               const EvalValue* top, double* result) {
+    const double* right = numberAt<kHasStack>(step.right, block, top);
+    if (right == nullptr) return false;
+    const EvalValue* below = kHasStack && step.right.from == kFromStack ? top - 1 : top;
+    const double* left = numberAt<kHasStack>(step.left, block, below);
+    return left != nullptr && ofNumbers(step.op, *left, *right, result);
+}
+
+// The number variable that an assignment goes to, null when it is none or may
+// be shared. `top` is one above it when it was pushed before.
+template <bool kHasStack>
+[[gnu::always_inline]] inline ScriptObject* targetAt(const ExprOperand& operand, ScriptBlock* block,
+                                                     const EvalValue* top) {
+    ScriptObject* target;
+    if (operand.from == kFromLocal) {
+        target = block->locals[operand.place.slot];
+    } else if (operand.from == kFromOuter) {
+        target = slotAbove(block, operand.place);
+    } else if (kHasStack && operand.from == kFromStack) {
+        target = top[-1].object;
+        if (target != nullptr && target->flags != 0) return nullptr;
+    } else {
+        return nullptr;
+    }
+    return target != nullptr && target->type == kTypeNumber ? target : nullptr;
+}
+
+// The same for an assignment of a number to a variable.
+template <bool kHasStack>
+[[gnu::always_inline]] inline bool quickAssign(const ExprStep& step, ScriptBlock* block,
+                                               const EvalValue* top, double* result) {
+    const double* right = numberAt<kHasStack>(step.right, block, top);
+    if (right == nullptr) return false;
+    const EvalValue* below = kHasStack && step.right.from == kFromStack ? top - 1 : top;
+    ScriptObject* target = targetAt<kHasStack>(step.left, block, below);
+    if (target == nullptr) return false;
+    double value = *right;
+    if (step.op != kOpAssign &&
+        !ofNumbers(kPlainOperators[step.op - kOpAssign], target->number, value, &value))
+        return false;
+    target->number = value;
+    *result = value;
+    return true;
+}
+
+// Pushes a variable of a slot, or a literal number. False when it is neither.
+[[gnu::always_inline]] inline bool quickPush(const ExprOperand& operand, ScriptBlock* block,
+                                             EvalValue* value) {
+    if (operand.from == kFromNumber) {
+        value->object = nullptr;
+        value->number = operand.number;
+        return block->ownLiterals == nullptr;
+    }
+    if (operand.from == kFromLocal)
+        value->object = block->locals[operand.place.slot];
+    else if (operand.from == kFromOuter)
+        value->object = slotAbove(block, operand.place);
+    else
+        return false;
+    return value->object != nullptr;
+}
+
+template <bool kHasStack>
+[[gnu::always_inline]] inline bool quickStep(const ExprStep& step, ScriptBlock* block,
+                                             const EvalValue* top, double* result) {
+    if (step.kind == kStepBinary) return quickBinary<kHasStack>(step, block, top, result);
+    return step.kind == kStepAssign && quickAssign<kHasStack>(step, block, top, result);
+}
