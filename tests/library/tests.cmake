@@ -1,6 +1,7 @@
 # plaincast_test(NAME ROOM...), in alphabetical order of the names.
 plaincast_test(BasicFileTest files)
 plaincast_test(BasicStreamTest streams)
+plaincast_test(BuiltInVariablesTest ScriptEngine3)
 plaincast_test(CalendarTest time)
 plaincast_test(ListTest containers)
 plaincast_test(LockTest containers)
@@ -32,3 +33,7 @@ configure_file(${PROJECT_SOURCE_DIR}/programs/utilities/plaincast/logmsg.conf
 target_compile_definitions(PlainCastTest PRIVATE
     PLAINCAST_PROGRAM="$<TARGET_FILE:quorel_plaincast>")
 add_dependencies(PlainCastTest quorel_plaincast)
+# Under Windows the registry is one for all tests: those that write settings or need
+# them absent run one after the other.
+set_tests_properties(BuiltInVariablesTest LogMessagesTest PathsTest RegistryTest SystemInfoTest
+    PROPERTIES RESOURCE_LOCK registry)
