@@ -6,6 +6,8 @@
 #include <iterator>
 #include <string>
 
+#include "platform/machine.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -62,6 +64,8 @@ class PlainCastTest : public testing::Test {
           before_(fs::current_path()) {
         while (!fs::create_directory(folder_)) folder_ += "x";
         fs::current_path(folder_);
+        // No settings of this machine, where they are kept in a file.
+        osSetEnvironment("QUOREL_REGISTRY", (folder_ / "registry.db").string());
         write("logmsg.conf", kCatalogue);
         write("t.qcs", kScript);
         write("bad.qcs", "function main\n  nonsense\nend\n");
