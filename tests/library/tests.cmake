@@ -35,5 +35,5 @@ target_compile_definitions(PlainCastTest PRIVATE
 add_dependencies(PlainCastTest quorel_plaincast)
 # Under Windows the registry is one for all tests: those that write settings or need
 # them absent run one after the other.
-set_tests_properties(BuiltInVariablesTest LogMessagesTest PathsTest RegistryTest SystemInfoTest
-    PROPERTIES RESOURCE_LOCK registry)
+set_tests_properties(BuiltInVariablesTest LogMessagesTest PathsTest PlainCastTest RegistryTest
+    SystemInfoTest PROPERTIES RESOURCE_LOCK registry)
