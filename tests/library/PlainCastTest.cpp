@@ -61,7 +61,8 @@ class PlainCastTest : public testing::Test {
   protected:
     PlainCastTest()
         : folder_(fs::temp_directory_path() / ("plaincast" + std::to_string(std::rand()))),
-          before_(fs::current_path()) {
+          before_(fs::current_path()),
+          program_(fs::absolute(PLAINCAST_PROGRAM).make_preferred().string()) {
         while (!fs::create_directory(folder_)) folder_ += "x";
         fs::current_path(folder_);
         // No settings of this machine, where they are kept in a file.
@@ -81,11 +82,10 @@ class PlainCastTest : public testing::Test {
         std::ifstream file(name, std::ios::binary);
         return std::string(std::istreambuf_iterator<char>(file), {});
     }
-    static Outcome run(const std::string& arguments) {
-        const std::string program = fs::path(PLAINCAST_PROGRAM).make_preferred().string();
+    Outcome run(const std::string& arguments) const {
         // One of the shells takes off the quotes of a line that begins with one.
         const std::string line =
-            "cd . && \"" + program + "\" " + arguments + " > out.txt 2> err.txt";
+            "cd . && \"" + program_ + "\" " + arguments + " > out.txt 2> err.txt";
         const int status = std::system(line.c_str());
         // The other system has the code in the upper byte.
         return {status > 255 ? status >> 8 : status, read("out.txt"), read("err.txt")};
@@ -94,6 +94,8 @@ class PlainCastTest : public testing::Test {
   private:
     fs::path folder_;
     fs::path before_;
+    // With the drive, which changes with the folder.
+    std::string program_;
 };
 
 struct Case {
