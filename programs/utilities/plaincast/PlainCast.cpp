@@ -79,7 +79,7 @@ void PlainCast::runScript() {
 void PlainCast::waitForRunTime() {
     while (!quitFlagIsSet()) {
         const Time now = timeNow();
-        if (now >= runUntil || engine_->exitPending != 0) return;
+        if (now >= runUntil || scriptHasExited()) return;
         threadTouch(nullptr);
         if (threadQuitRequested()) return;
         outputFlush();
@@ -102,9 +102,13 @@ unsigned PlainCast::update(Thread* thread) {
     return 0;
 }
 
+bool PlainCast::scriptHasExited() const {
+    return (engine_->pending & kExitPending) != 0;
+}
+
 int PlainCast::exitCode() const {
     if (engine_ == nullptr) return 0;
-    return engine_->exitPending != 0 ? engine_->exitValue : engine_->statusCode;
+    return scriptHasExited() ? engine_->exitValue : engine_->statusCode;
 }
 
 }  // namespace Quorel

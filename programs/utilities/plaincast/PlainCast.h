@@ -59,6 +59,7 @@ class PlainCast {
 
     void runScript();
     void waitForRunTime();
+    bool scriptHasExited() const;
     // The body of the update thread.
     static unsigned update(Thread* thread);
 
