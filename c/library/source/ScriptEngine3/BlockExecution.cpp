@@ -54,6 +54,8 @@ bool resolveCall(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
                      line);
         return false;
     }
+    // A literal that nobody has changed names the same function again.
+    if (line->block != kNoBlock && name->isShared() && name->type == kTypeString) return true;
     Owned<String> made;
     std::string_view text;
     if (name->type == kTypeString) {

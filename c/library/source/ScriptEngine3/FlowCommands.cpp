@@ -49,18 +49,16 @@ bool bodyExists(ScriptEngine* engine, const char* name, int blockNumber) {
 // The truth of a branch's condition. False when the argument cannot be fetched.
 bool branchCondition(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
                      ScriptTruth* truth) {
-    ScriptBlock* where = nullptr;
-    ScriptObject* object = scriptBlockSearchPlace(block, &args->items[0], &where);
-    EvalResult result;
-    if (object != nullptr && object->type == kTypeExpr) {
-        if (scriptEvaluator(engine, where, object->expression, kWantTruth, &result)) {
+    if (ScriptExpression* expression = scriptArgumentExpression(block, args->items[0])) {
+        EvalResult result;
+        if (scriptEvaluator(engine, block, expression, kWantTruth, &result)) {
             *truth = static_cast<ScriptTruth>(static_cast<int>(result.number));
             return true;
         }
         logError(engine->logger, "Parameter %u is not (properly) defined", 1u);
         return false;
     }
-    object = scriptEngineGetParam(engine, block, args, 0, kTypeUndef, true);
+    const ScriptObject* object = scriptEngineGetParam(engine, block, args, 0, kTypeUndef, true);
     if (object == nullptr) return false;
     *truth = scriptObjectGetBool(engine, object, block);
     return true;
@@ -161,6 +159,7 @@ int invalidArgument(ScriptEngine* engine, uint32_t position) {
     return kError;
 }
 
+// The parameter's own object, made when the instance has none yet.
 ScriptObject* parameter(ScriptBlock* instance, const BlockShape::Slot& slot, uint32_t id) {
     if (slot.isLiteral) return scriptBlockOwnLiteral(instance, scriptBlockOwnVar(instance, id));
     if (instance->locals[slot.index] == nullptr) {
@@ -173,6 +172,17 @@ ScriptObject* parameter(ScriptBlock* instance, const BlockShape::Slot& slot, uin
     return instance->locals[slot.index];
 }
 
+// The usual case of a number: it comes into being as the parameter.
+bool passNumber(ScriptBlock* instance, const BlockShape::Slot& slot, uint32_t id, double number) {
+    if (slot.isLiteral || instance->locals[slot.index] != nullptr) return false;
+    ScriptObject* object = scriptObjectCreateNumber(number);
+    if (object == nullptr) return false;
+    object->nameId = id;
+    instance->locals[slot.index] = object;
+    instance->isDirty = 1;
+    return true;
+}
+
 // Gives the parameter the argument's value. `kDone`, or the status of the call.
 int passArgument(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg, ScriptBlock* instance,
                  uint32_t position) {
@@ -180,29 +190,32 @@ int passArgument(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg, Scrip
     ScriptObject* value = scriptBlockSearchPlace(block, arg, &where);
     if (value == nullptr) return invalidArgument(engine, position);
     EvalResult result;
-    const bool computed = value->type == kTypeExpr;
-    if (computed && !scriptEvaluator(engine, where, value->expression, kWantValue, &result))
-        return invalidArgument(engine, position);
-    Owned<ScriptObject> made(result.object);
+    Owned<ScriptObject> made;
+    if (value->type == kTypeExpr) {
+        if (!scriptEvaluator(engine, where, value->expression, kWantValue, &result))
+            return invalidArgument(engine, position);
+        made.reset(result.object);
+        value = result.object;
+    }
     const BlockShape* shape = instance->shape;
     if (position > shape->paramSlots.size()) {
         logError(engine->logger, "scriptEngineCall: #::11");
         logLocation(engine->logger, kLogError);
         return kError;
     }
-    ScriptObject* target =
-        parameter(instance, shape->paramSlots[position - 1], shape->paramIds[position - 1]);
+    const BlockShape::Slot slot = shape->paramSlots[position - 1];
+    const uint32_t id = shape->paramIds[position - 1];
+    if (value == nullptr || value->type == kTypeNumber) {
+        const double number = value == nullptr ? result.number : value->number;
+        if (passNumber(instance, slot, id, number)) return kDone;
+        if (value == nullptr) made.reset(value = scriptObjectCreateNumber(number));
+    }
+    ScriptObject* target = parameter(instance, slot, id);
     if (target == nullptr) {
         logError(engine->logger, "scriptEngineCall: #::11");
         return kInvalidCall;
     }
-    if (computed && !made && target->type == kTypeUndef) {
-        target->type = kTypeNumber;
-        target->number = result.number;
-        return kDone;
-    }
-    if (computed && !made) made.reset(scriptObjectCreateNumber(result.number));
-    if (scriptObjectAssign(engine, target, computed ? made.get() : value)) return kDone;
+    if (scriptObjectAssign(engine, target, value)) return kDone;
     logError(engine->logger, "scriptEngineCall: Failed to set parameter");
     logLocation(engine->logger, kLogError);
     return kError;

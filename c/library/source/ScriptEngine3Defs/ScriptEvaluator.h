@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ScriptEngine3Defs/ScriptObject.h"
+#include "ScriptEngine3Defs/ScriptBlock.h"
 
 struct ScriptExpression;
 
@@ -29,3 +29,12 @@ ScriptObject* scriptEvaluateToObject(ScriptEngine* engine, ScriptBlock* block,
 // The truth of the result; `kNoTruth` on failure too.
 ScriptTruth scriptEvaluateTruth(ScriptEngine* engine, ScriptBlock* block,
                                 ScriptExpression* expression);
+
+// The program of an argument that is an expression of the running block, as it
+// stands in the template; null when the argument is anything else, or takes a
+// longer look.
+inline ScriptExpression* scriptArgumentExpression(const ScriptBlock* block, const VarPlace& arg) {
+    if (arg.kind != kPlaceLiteral || block->ownLiterals != nullptr) return nullptr;
+    const ScriptObject* object = block->shape->literals[arg.slot];
+    return object->type == kTypeExpr ? object->expression : nullptr;
+}

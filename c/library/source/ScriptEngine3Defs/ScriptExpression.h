@@ -58,8 +58,7 @@ struct ExprStep {
 struct ScriptExpression {
     GrowArray<ExprToken> tokens;
     GrowArray<ExprStep> steps;
-    const ExprStep* single = nullptr;  // the step of a program that has but one
-    uint32_t stackDepth = 0;           // the most values that the steps keep on the stack
+    uint32_t stackDepth = 0;  // the most values on the stack, 0 before the first run
 };
 
 // An empty program; null when memory runs out. Ends with `scriptExpressionDestroy`.

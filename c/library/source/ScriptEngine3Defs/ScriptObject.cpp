@@ -6,26 +6,11 @@
 #include "containers/Pool.h"
 #include "files/BasicFile.h"
 
+// Ready before anything runs: the pool's first take asks for its first chunk.
+Pool scriptObjectPool = {nullptr, nullptr,    nullptr,   nullptr, sizeof(ScriptObject),
+                         0,       kPoolChunk, kPoolChunk};
+
 namespace {
-
-struct ObjectPool {
-    ObjectPool() { poolInit(&pool, sizeof(ScriptObject)); }
-    Pool pool;
-};
-
-Pool& objectPool() {
-    static ObjectPool objects;
-    return objects.pool;
-}
-
-ScriptObject* takeRecord() {
-    auto* object = static_cast<ScriptObject*>(poolTake(&objectPool()));
-    if (object == nullptr) return nullptr;
-    object->nameId = kNoVariable;
-    object->type = kTypeUndef;
-    object->flags = 0;
-    return object;
-}
 
 // Gives an undef object the default payload of the type.
 bool makePayload(ScriptObject* object, ScriptType type) {
@@ -123,17 +108,9 @@ bool clonePayload(ScriptObject* copy, const ScriptObject* source) {
 
 ScriptObject* scriptObjectCreate(ScriptType type) {
     if (type == kTypeNone || type >= kTypeCount) return nullptr;
-    Owned<ScriptObject> object(takeRecord());
+    Owned<ScriptObject> object(scriptObjectTake());
     if (!object || !makePayload(object.get(), type)) return nullptr;
     return object.release();
-}
-
-ScriptObject* scriptObjectCreateNumber(double value) {
-    ScriptObject* object = takeRecord();
-    if (object == nullptr) return nullptr;
-    object->type = kTypeNumber;
-    object->number = value;
-    return object;
 }
 
 ScriptObject* scriptObjectCreateString(std::string_view text) {
@@ -144,7 +121,7 @@ ScriptObject* scriptObjectCreateString(std::string_view text) {
 
 ScriptObject* scriptObjectClone(const ScriptObject* object) {
     if (object == nullptr || !object->hasValues()) return nullptr;
-    Owned<ScriptObject> copy(takeRecord());
+    Owned<ScriptObject> copy(scriptObjectTake());
     if (!copy) return nullptr;
     copy->nameId = object->nameId;
     if (!clonePayload(copy.get(), object)) return nullptr;
@@ -156,13 +133,8 @@ bool scriptObjectCanClone(const ScriptObject* object) {
     return object->hasValues();
 }
 
-void scriptObjectDestroy(ScriptObject** object) {
-    if (object == nullptr || *object == nullptr) return;
-    ScriptObject* dead = *object;
-    *object = nullptr;
-    if (dead->type != kTypeNumber && dead->type != kTypeUndef) endPayload(dead);
-    ++dead->generation;
-    poolGive(&objectPool(), dead);
+void scriptObjectEndPayload(ScriptObject* object) {
+    endPayload(object);
 }
 
 void scriptObjectDestroyElement(void** element) {
@@ -190,5 +162,5 @@ void scriptObjectMove(ScriptObject* target, ScriptObject* source) {
 }
 
 void scriptObjectPoolRelease() {
-    poolDestroy(&objectPool());
+    poolDestroy(&scriptObjectPool);
 }

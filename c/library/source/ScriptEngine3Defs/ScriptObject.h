@@ -5,6 +5,7 @@
 
 #include "ScriptEngine3Defs/ScriptTypes.h"
 #include "containers/Owned.h"
+#include "containers/Pool.h"
 #include "strings/String.h"
 
 struct BasicFile;
@@ -91,7 +92,7 @@ struct ScriptObject {
 
 // An object of type 1 to 13 with its default payload and no name; null for any other type.
 ScriptObject* scriptObjectCreate(ScriptType type);
-ScriptObject* scriptObjectCreateNumber(double value);
+inline ScriptObject* scriptObjectCreateNumber(double value);
 // A string object with a copy of the text.
 ScriptObject* scriptObjectCreateString(std::string_view text);
 // An object from the text of a literal, by its form; null when the text is none.
@@ -102,7 +103,7 @@ ScriptObject* scriptObjectClone(const ScriptObject* object);
 // True when `scriptObjectClone` would give a copy, memory apart.
 bool scriptObjectCanClone(const ScriptObject* object);
 // Ends the object by its type and clears the pointer. A pointer's target stays.
-void scriptObjectDestroy(ScriptObject** object);
+inline void scriptObjectDestroy(ScriptObject** object);
 // The same as a destructor callback of the containers.
 void scriptObjectDestroyElement(void** element);
 // Gives the object another type and that type's default payload; nothing when
@@ -114,6 +115,37 @@ void scriptObjectMove(ScriptObject* target, ScriptObject* source);
 
 // Gives the pool of objects back. Only when no object is left.
 void scriptObjectPoolRelease();
+
+// What stands behind the inline functions; not for others.
+extern Pool scriptObjectPool;
+void scriptObjectEndPayload(ScriptObject* object);
+
+// A nameless undef object, or null.
+inline ScriptObject* scriptObjectTake() {
+    auto* object = static_cast<ScriptObject*>(poolTake(&scriptObjectPool));
+    if (object == nullptr) return nullptr;
+    object->nameId = kNoVariable;
+    object->type = kTypeUndef;
+    object->flags = 0;
+    return object;
+}
+
+inline ScriptObject* scriptObjectCreateNumber(double value) {
+    ScriptObject* object = scriptObjectTake();
+    if (object == nullptr) return nullptr;
+    object->type = kTypeNumber;
+    object->number = value;
+    return object;
+}
+
+inline void scriptObjectDestroy(ScriptObject** object) {
+    if (object == nullptr || *object == nullptr) return;
+    ScriptObject* dead = *object;
+    *object = nullptr;
+    if (dead->type != kTypeNumber) scriptObjectEndPayload(dead);
+    ++dead->generation;
+    poolGive(&scriptObjectPool, dead);
+}
 
 template <>
 struct OwnedTraits<ScriptObject> {

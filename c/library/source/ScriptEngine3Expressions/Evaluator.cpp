@@ -7,6 +7,9 @@
 
 namespace {
 
+// Values that a run keeps without asking for memory.
+constexpr uint32_t kShortStack = 16;
+
 inline bool isMade(const EvalValue& value) {
     return value.object != nullptr && (value.object->flags & kObjectMade) != 0;
 }
@@ -32,8 +35,9 @@ class Evaluation {
     Evaluation(ScriptEngine* engine, ScriptBlock* block, EvalWant want)
         : engine_(engine), block_(block), want_(want) {}
 
-    // Leaves the result at the bottom of the stack.
-    bool run(ScriptExpression* expression, EvalValue* stack);
+    // Goes on with a program from a step on; leaves the result at the bottom of
+    // the stack, whose values are ended when the program fails.
+    bool run(const ExprStep* from, EvalValue* stack, EvalValue* top);
 
   private:
     bool slowStep(ExprStep* step, EvalValue*& top, EvalValue* result);
@@ -247,27 +251,17 @@ bool Evaluation::slowStep(ExprStep* step, EvalValue*& top, EvalValue* result) {
     }
 }
 
-inline bool Evaluation::run(ScriptExpression* expression, EvalValue* stack) {
-    EvalValue* top = stack;  // one above the topmost value
-    for (ExprStep* step = expression->steps.begin();; ++step) {
-        double number;
-        if (quickStep<true>(*step, block_, top, &number)) {
-            top -= step->taken;
-            *top++ = valueOfNumber(number);
-        } else if (step->kind == kStepPush && quickPush(step->right, block_, top)) {
-            ++top;
-        } else {
-            EvalValue* slowTop = top;
-            EvalValue result;
-            const bool good = slowStep(step, slowTop, &result);
-            top = slowTop;
-            if (!good) break;
-            *top++ = result;
+bool Evaluation::run(const ExprStep* from, EvalValue* stack, EvalValue* top) {
+    for (const ExprStep* step = from; step != nullptr;) {
+        EvalValue result;
+        if (!slowStep(const_cast<ExprStep*>(step), top, &result)) {
+            while (top != stack) drop(*--top);
+            return false;
         }
-        if (step->isLast) return true;
+        *top++ = result;
+        step = step->isLast ? nullptr : scriptRunNumberSteps(step + 1, block_, &top);
     }
-    while (top != stack) drop(*--top);
-    return false;
+    return true;
 }
 
 // Gives the caller what it wants of the result.
@@ -293,48 +287,45 @@ void handOver(ScriptEngine* engine, ScriptBlock* block, EvalWant want, EvalValue
     return false;
 }
 
-// A program that keeps many values at once.
-bool runLong(ScriptEngine* engine, ScriptBlock* block, ScriptExpression* expression, EvalWant want,
-             EvalValue* value) {
-    auto* stack = static_cast<EvalValue*>(memAlloc(sizeof(EvalValue) * expression->stackDepth));
-    if (stack == nullptr) return outOfMemory(engine);
-    const bool good = Evaluation(engine, block, want).run(expression, stack);
-    *value = stack[0];
-    memFree(&stack);
-    return good;
+// Goes on where the steps on numbers ended, at `step` or at the end.
+[[gnu::noinline]] bool runOn(ScriptEngine* engine, ScriptBlock* block, const ExprStep* step,
+                             EvalWant want, EvalValue* stack, EvalValue* top, EvalResult* result) {
+    if (step != nullptr && !Evaluation(engine, block, want).run(step, stack, top)) return false;
+    handOver(engine, block, want, stack[0], result);
+    return true;
 }
 
-[[gnu::noinline]] bool runAny(ScriptEngine* engine, ScriptBlock* block,
-                              ScriptExpression* expression, EvalWant want, EvalResult* result) {
-    constexpr uint32_t kShortStack = 16;
-    if (expression->steps.empty() && !scriptExpressionPrepare(expression, block))
-        return outOfMemory(engine);
-    EvalValue value{};
-    if (expression->stackDepth > kShortStack) {
-        if (!runLong(engine, block, expression, want, &value)) return false;
-    } else {
-        EvalValue stack[kShortStack];
-        stack[0] = {};
-        if (!Evaluation(engine, block, want).run(expression, stack)) return false;
-        value = stack[0];
-    }
-    handOver(engine, block, want, value, result);
+// Runs a program that is ready.
+inline bool runReady(ScriptEngine* engine, ScriptBlock* block, const ScriptExpression* expression,
+                     EvalWant want, EvalValue* stack, EvalResult* result) {
+    EvalValue* top = stack;
+    const ExprStep* step = scriptRunNumberSteps(expression->steps.begin(), block, &top);
+    if (step != nullptr || stack[0].object != nullptr)
+        return runOn(engine, block, step, want, stack, top, result);
+    const double number = stack[0].number;
+    result->number = want == kWantTruth ? number != 0 : number;
     return true;
+}
+
+// A program that runs for the first time, or keeps many values at once.
+[[gnu::noinline]] bool runUnusual(ScriptEngine* engine, ScriptBlock* block,
+                                  ScriptExpression* expression, EvalWant want, EvalResult* result) {
+    if (!scriptExpressionPrepare(expression, block)) return outOfMemory(engine);
+    auto* stack = static_cast<EvalValue*>(memAlloc(sizeof(EvalValue) * expression->stackDepth));
+    if (stack == nullptr) return outOfMemory(engine);
+    const bool good = runReady(engine, block, expression, want, stack, result);
+    memFree(&stack);
+    return good;
 }
 
 }  // namespace
 
 bool scriptEngineRunExpression(ScriptEngine* engine, ScriptBlock* block,
                                ScriptExpression* expression, EvalWant want, EvalResult* result) {
-    if (expression->single != nullptr) {
-        // No operand of a single step comes from the stack.
-        double number;
-        if (quickStep<false>(*expression->single, block, nullptr, &number)) {
-            result->number = want == kWantTruth ? number != 0 : number;
-            return true;
-        }
-    }
-    return runAny(engine, block, expression, want, result);
+    if (expression->stackDepth - 1 >= kShortStack)
+        return runUnusual(engine, block, expression, want, result);
+    EvalValue stack[kShortStack];
+    return runReady(engine, block, expression, want, stack, result);
 }
 
 ScriptObject* scriptEngineEvaluate(ScriptEngine* engine, ScriptBlock* block,

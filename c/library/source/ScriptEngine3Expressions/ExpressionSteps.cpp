@@ -73,11 +73,12 @@ bool makeSteps(ScriptExpression* expression, const ScriptBlock* block) {
 
 bool scriptExpressionPrepare(ScriptExpression* expression, const ScriptBlock* block) {
     if (!expression->steps.empty()) return true;
+    expression->stackDepth = 1;
     if (!makeSteps(expression, block)) {
         expression->steps.clear();
+        expression->stackDepth = 0;
         return false;
     }
     expression->steps.back().isLast = true;
-    if (expression->steps.size() == 1) expression->single = &expression->steps[0];
     return true;
 }

@@ -33,14 +33,9 @@ ScriptObject* step(ScriptEngine* engine, const char* name, const char* demand, S
 
 }  // namespace
 
-double evaluateRemainder(double left, double right) {
-    const int32_t dividend = numberToInt32(left);
-    const int32_t divisor = numberToInt32(right);
-    if (divisor == 0 || (divisor == -1 && dividend == INT32_MIN)) {
-        outputFlush();
-        osRaiseIntegerDivisionFault();
-    }
-    return dividend % divisor;
+void evaluateDivisionFault() {
+    outputFlush();
+    osRaiseIntegerDivisionFault();
 }
 
 ScriptObject* evaluateIncr(ScriptEngine* engine, ScriptBlock*, ScriptObject*, ScriptObject* right) {

@@ -28,7 +28,7 @@ inline const double* numberIn(const EvalValue& value) {
 // The plain operator of a compound assignment on numbers; 0 for any other.
 inline constexpr uint8_t kPlainOperators[] = {
     // From kOpAssign on. ORDER op-codes
-    0, 0, kOpPlus, kOpMinus, kOpMult, kOpDiv, kOpMod, kOpPow,
+    0, 0, kOpPlus, kOpMinus, kOpMult, kOpDiv, kOpMod, 0,
 };
 
 // What an operator makes of two numbers; false where it has another meaning.
@@ -49,9 +49,6 @@ inline constexpr uint8_t kPlainOperators[] = {
             return true;
         case kOpMod:
             *result = evaluateRemainder(left, right);
-            return true;
-        case kOpPow:
-            *result = std::pow(left, right);
             return true;
         case kOpLt:
             *result = left < right;
@@ -98,9 +95,7 @@ inline ScriptObject* slotAbove(ScriptBlock* block, const VarPlace& place) {
 }
 
 // Where an operand that is a number has it, or null when it is none, or when
-// finding it takes more than a glance. `top` is one above the operand on the
-// stack; a program of one step has nothing there.
-template <bool kHasStack>
+// finding it takes more than a glance. `top` is one above the operand on the stack.
 [[gnu::always_inline]] inline const double* numberAt(const ExprOperand& operand, ScriptBlock* block,
                                                      const EvalValue* top) {
     const ScriptObject* object;
@@ -108,7 +103,7 @@ template <bool kHasStack>
         object = block->locals[operand.place.slot];
     } else if (operand.from == kFromNumber) {
         return block->ownLiterals == nullptr ? &operand.number : nullptr;
-    } else if (kHasStack && operand.from == kFromStack) {
+    } else if (operand.from == kFromStack) {
         return numberIn(top[-1]);
     } else if (operand.from == kFromOuter) {
         object = slotAbove(block, operand.place);
@@ -119,19 +114,17 @@ template <bool kHasStack>
 }
 
 // A binary step on two numbers. False, with nothing changed, when it is more than that.
-template <bool kHasStack>
 [[gnu::always_inline]] inline bool quickBinary(const ExprStep& step, ScriptBlock* block,
                                                const EvalValue* top, double* result) {
-    const double* right = numberAt<kHasStack>(step.right, block, top);
+    const double* right = numberAt(step.right, block, top);
     if (right == nullptr) return false;
-    const EvalValue* below = kHasStack && step.right.from == kFromStack ? top - 1 : top;
-    const double* left = numberAt<kHasStack>(step.left, block, below);
+    const EvalValue* below = step.right.from == kFromStack ? top - 1 : top;
+    const double* left = numberAt(step.left, block, below);
     return left != nullptr && ofNumbers(step.op, *left, *right, result);
 }
 
 // The number variable that an assignment goes to, null when it is none or may
 // be shared. `top` is one above it when it was pushed before.
-template <bool kHasStack>
 [[gnu::always_inline]] inline ScriptObject* targetAt(const ExprOperand& operand, ScriptBlock* block,
                                                      const EvalValue* top) {
     ScriptObject* target;
@@ -139,7 +132,7 @@ template <bool kHasStack>
         target = block->locals[operand.place.slot];
     } else if (operand.from == kFromOuter) {
         target = slotAbove(block, operand.place);
-    } else if (kHasStack && operand.from == kFromStack) {
+    } else if (operand.from == kFromStack) {
         target = top[-1].object;
         if (target != nullptr && target->flags != 0) return nullptr;
     } else {
@@ -149,13 +142,12 @@ template <bool kHasStack>
 }
 
 // The same for an assignment of a number to a variable.
-template <bool kHasStack>
 [[gnu::always_inline]] inline bool quickAssign(const ExprStep& step, ScriptBlock* block,
                                                const EvalValue* top, double* result) {
-    const double* right = numberAt<kHasStack>(step.right, block, top);
+    const double* right = numberAt(step.right, block, top);
     if (right == nullptr) return false;
-    const EvalValue* below = kHasStack && step.right.from == kFromStack ? top - 1 : top;
-    ScriptObject* target = targetAt<kHasStack>(step.left, block, below);
+    const EvalValue* below = step.right.from == kFromStack ? top - 1 : top;
+    ScriptObject* target = targetAt(step.left, block, below);
     if (target == nullptr) return false;
     double value = *right;
     if (step.op != kOpAssign &&
@@ -183,9 +175,12 @@ template <bool kHasStack>
     return value->object != nullptr;
 }
 
-template <bool kHasStack>
 [[gnu::always_inline]] inline bool quickStep(const ExprStep& step, ScriptBlock* block,
                                              const EvalValue* top, double* result) {
-    if (step.kind == kStepBinary) return quickBinary<kHasStack>(step, block, top, result);
-    return step.kind == kStepAssign && quickAssign<kHasStack>(step, block, top, result);
+    if (step.kind == kStepBinary) return quickBinary(step, block, top, result);
+    return step.kind == kStepAssign && quickAssign(step, block, top, result);
 }
+
+// Runs steps from `step` on as long as they are of this kind. Null when the
+// program has come to its end; otherwise the step that is for the evaluator.
+const ExprStep* scriptRunNumberSteps(const ExprStep* step, ScriptBlock* block, EvalValue** top);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ScriptEngine3Expressions/Operators.h"
+#include "strings/StringNumbers.h"
 
 // Every operation that the table of operators names; see `ScriptOperator`.
 
@@ -65,6 +66,15 @@ ScriptObject* evaluateModassign(ScriptEngine*, ScriptBlock*, ScriptObject* left,
 ScriptObject* evaluatePowassign(ScriptEngine*, ScriptBlock*, ScriptObject* left,
                                 ScriptObject* right);
 
+// Ends the process by the fault of an integer division, after what was printed
+// has been written out.
+[[noreturn]] void evaluateDivisionFault();
+
 // The remainder of `left` by `right`, both truncated to signed 32 bits. Where
 // the machine's division has no result the process ends by its fault.
-double evaluateRemainder(double left, double right);
+inline double evaluateRemainder(double left, double right) {
+    const int32_t dividend = numberToInt32(left);
+    const int32_t divisor = numberToInt32(right);
+    if (divisor == 0 || (divisor == -1 && dividend == INT32_MIN)) evaluateDivisionFault();
+    return dividend % divisor;
+}

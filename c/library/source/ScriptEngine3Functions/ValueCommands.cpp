@@ -32,13 +32,14 @@ int scriptEngineDefault(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* ar
 // The statement form of an expression: nobody looks at the result.
 int scriptEngineEval(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
     if (engine == nullptr || block == nullptr || args == nullptr) return kInvalidCall;
-    ScriptBlock* where = nullptr;
-    ScriptObject* object = scriptBlockSearchPlace(block, &args->items[0], &where);
-    if (object == nullptr || object->type != kTypeExpr)
-        return scriptEngineGetParam(engine, block, args, 0, kTypeUndef, true) == nullptr ? kError
-                                                                                         : kDone;
+    ScriptExpression* expression = scriptArgumentExpression(block, args->items[0]);
+    if (expression == nullptr) {
+        Arguments in(engine, block, args);
+        in.any(0);
+        return in.status();
+    }
     EvalResult result;
-    if (scriptEvaluator(engine, where, object->expression, kWantNothing, &result)) return kDone;
+    if (scriptEvaluator(engine, block, expression, kWantNothing, &result)) return kDone;
     logError(engine->logger, "Parameter %u is not (properly) defined", 1u);
     return kError;
 }
