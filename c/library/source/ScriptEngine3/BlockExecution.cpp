@@ -1,5 +1,7 @@
 #include "ScriptEngine3/BlockExecution.h"
 
+#include "ScriptEngine3Defs/ScriptEvaluator.h"
+#include "ScriptEngine3Expressions/NumberSteps.h"
 #include "platform/program.h"
 
 namespace {
@@ -144,6 +146,14 @@ inline bool actOnStatus(ScriptEngine* engine, ScriptBlock* block, int status,
     return true;
 }
 
+// `eval` of a single operation on numbers, without its handler. False, with
+// nothing done, when the statement is any other.
+inline bool quickEval(ScriptBlock* block, const ScriptLine* line) {
+    double number;
+    const ScriptExpression* expression = scriptArgumentExpression(block, line->args.items[0]);
+    return expression != nullptr && scriptRunNumberStep(expression, block, &number);
+}
+
 // One statement; false when the block stops.
 inline bool runLine(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line, bool tracing) {
     if (tracing)
@@ -154,8 +164,9 @@ inline bool runLine(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line, 
     // variables to the function's own statements.
     if (line->block == kNoBlock && line->flow != kContinueCommand) clearResults(engine);
     if (line->flow == kCallCommand && !resolveCall(engine, block, line)) return false;
-    const int status = line->handler(engine, block, &line->args, line->block);
-    if (!scriptTemporaries.empty()) scriptTemporariesFlush();
+    const int status = line->flow == kEvalCommand && quickEval(block, line)
+                           ? kDone
+                           : line->handler(engine, block, &line->args, line->block);
     if (tracing) traceResult(engine, status, line);
     return actOnStatus(engine, block, status, line);
 }
@@ -165,11 +176,13 @@ inline bool runLine(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line, 
 bool scriptEngineRunBlock(ScriptEngine* engine, ScriptBlock* block) {
     const bool tracing = logWanted(kLogTrace);
     block->lastResult = 1;
+    bool good = true;
     for (ScriptLine* line : block->shape->lines) {
-        if (!runLine(engine, block, line, tracing)) return false;
-        if (engine->pending != 0) return true;
+        good = runLine(engine, block, line, tracing);
+        if (!good || engine->pending != 0) break;
     }
-    return true;
+    if (!scriptTemporaries.empty()) scriptTemporariesFlush();
+    return good;
 }
 
 bool stackRunTop(ScriptEngine* engine, ScriptBlock* block) {

@@ -4,6 +4,7 @@
 #include "ScriptEngine3Defs/Arguments.h"
 #include "ScriptEngine3Defs/ScriptEvaluator.h"
 #include "ScriptEngine3Defs/ScriptExpression.h"
+#include "ScriptEngine3Expressions/NumberSteps.h"
 #include "strings/StringNumbers.h"
 
 namespace {
@@ -51,6 +52,10 @@ bool branchCondition(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
                      ScriptTruth* truth) {
     if (ScriptExpression* expression = scriptArgumentExpression(block, args->items[0])) {
         EvalResult result;
+        if (scriptRunNumberStep(expression, block, &result.number)) {
+            *truth = result.number == 0 ? kFalse : kTrue;
+            return true;
+        }
         if (scriptEvaluator(engine, block, expression, kWantTruth, &result)) {
             *truth = static_cast<ScriptTruth>(static_cast<int>(result.number));
             return true;
@@ -97,13 +102,16 @@ class LoopArgument {
     }
     bool present() const { return object_ != nullptr; }
     ScriptTruth truth() const {
-        if (object_->type == kTypeExpr)
-            return scriptEvaluateTruth(engine_, block_, object_->expression);
-        return scriptObjectGetBool(engine_, object_, block_);
+        if (object_->type != kTypeExpr) return scriptObjectGetBool(engine_, object_, block_);
+        double number;
+        if (scriptRunNumberStep(object_->expression, block_, &number))
+            return number == 0 ? kFalse : kTrue;
+        return scriptEvaluateTruth(engine_, block_, object_->expression);
     }
     void run() const {
         EvalResult result;
-        if (object_->type == kTypeExpr)
+        if (object_->type == kTypeExpr &&
+            !scriptRunNumberStep(object_->expression, block_, &result.number))
             scriptEvaluator(engine_, block_, object_->expression, kWantNothing, &result);
     }
 
@@ -196,6 +204,10 @@ int passArgument(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg, Scrip
             return invalidArgument(engine, position);
         made.reset(result.object);
         value = result.object;
+        // The parameter will refer to this very pointer.
+        if (value != nullptr && value->type == kTypePointer &&
+            !scriptTemporariesAdd(made.release()))
+            return invalidArgument(engine, position);
     }
     const BlockShape* shape = instance->shape;
     if (position > shape->paramSlots.size()) {

@@ -6,6 +6,9 @@
 namespace {
 
 constexpr uint32_t kMaxDepthInPlace = 255;
+// A name that more blocks can hold has no list of them: bodies nested by the
+// thousand, each with the name, would need the square of that.
+constexpr size_t kMaxCandidates = 16;
 
 void clearOwnLiterals(ScriptBlock* block) {
     if (block->ownLiterals == nullptr) return;
@@ -77,20 +80,28 @@ ScriptBlock* newInstance(BlockShape* shape) {
     return block;
 }
 
-// Finds every block of the chain that can hold the place's name.
+// Finds every block of the chain that can hold the place's name, up to the
+// first that does so for certain.
 void workOutPlace(ScriptBlock* block, VarPlace* place) {
     BlockShape* shape = block->shape;
     const size_t first = shape->candidates.size();
+    size_t count = 0;
     uint32_t depth = 0;
     for (ScriptBlock* at = block; at != nullptr; at = at->parent, ++depth) {
         const BlockShape::Slot* slot = at->shape->slots.find(place->id);
         if (slot == nullptr) continue;
+        if (count == kMaxCandidates) {
+            shape->candidates.truncate(first);
+            place->kind = kPlaceNowhere;
+            return;
+        }
         if (!shape->candidates.push({depth, slot->index, slot->isLiteral})) {
             shape->candidates.truncate(first);
             return;  // stays unknown: the slow search serves
         }
+        ++count;
+        if (slot->isLiteral) break;
     }
-    const size_t count = shape->candidates.size() - first;
     if (count == 1 && shape->candidates[first].depth <= kMaxDepthInPlace &&
         (shape->candidates[first].depth == 0 || !shape->candidates[first].isLiteral)) {
         const VarCandidate found = shape->candidates[first];

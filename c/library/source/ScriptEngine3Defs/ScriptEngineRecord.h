@@ -98,8 +98,8 @@ uint32_t scriptHiddenVarId(ParseTables* tables);
 // An id for an object without a name.
 uint32_t scriptAnonymousVarId();
 
-// Objects made while arguments were fetched; they live until the end of the
-// statement. Takes ownership; false when memory runs out (the object is ended).
+// Objects made while arguments were fetched; they live until the end of a
+// block, be it an inner one. Takes ownership; false when memory runs out (the object is ended).
 bool scriptTemporariesAdd(ScriptObject* object);
 void scriptTemporariesFlush();
 extern GrowArray<ScriptObject*> scriptTemporaries;

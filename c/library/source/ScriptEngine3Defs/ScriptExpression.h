@@ -58,7 +58,8 @@ struct ExprStep {
 struct ScriptExpression {
     GrowArray<ExprToken> tokens;
     GrowArray<ExprStep> steps;
-    uint32_t stackDepth = 0;  // the most values on the stack, 0 before the first run
+    const ExprStep* single = nullptr;  // the step of a program that has but one
+    uint32_t stackDepth = 0;           // the most values on the stack, 0 before the first run
 };
 
 // An empty program; null when memory runs out. Ends with `scriptExpressionDestroy`.

@@ -16,7 +16,7 @@ enum VarPlaceKind : uint8_t {
     kPlaceLiteral,  // a literal, or an expression, of the block itself
     kPlaceLocal,    // one block only can hold the name
     kPlaceMany,     // several can: the nearest that does counts
-    kPlaceNowhere,  // no block has a slot for the name
+    kPlaceNowhere,  // no block has a slot for the name, or too many: each is asked
 };
 
 // A variable id together with what was found out about where it stands, seen

@@ -80,5 +80,6 @@ bool scriptExpressionPrepare(ScriptExpression* expression, const ScriptBlock* bl
         return false;
     }
     expression->steps.back().isLast = true;
+    if (expression->steps.size() == 1) expression->single = &expression->steps[0];
     return true;
 }

@@ -1,6 +1,6 @@
 #include "ScriptEngine3Expressions/NumberSteps.h"
 
-// Calls nothing that comes back, so that the compiler keeps all of it in registers.
+// These two call nothing that comes back, so that the compiler keeps all of them in registers.
 const ExprStep* scriptRunNumberSteps(const ExprStep* step, ScriptBlock* block, EvalValue** top) {
     EvalValue* at = *top;
     for (;; ++step) {
@@ -19,4 +19,11 @@ const ExprStep* scriptRunNumberSteps(const ExprStep* step, ScriptBlock* block, E
             return nullptr;
         }
     }
+}
+
+bool scriptRunNumberStep(const ScriptExpression* expression, ScriptBlock* block, double* result) {
+    if (expression->single == nullptr) return false;
+    // No operand of a single step comes from the stack: what stands here is not looked at.
+    const EvalValue unused[2] = {};
+    return quickStep(*expression->single, block, unused + 2, result);
 }

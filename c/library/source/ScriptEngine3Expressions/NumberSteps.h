@@ -184,3 +184,7 @@ inline ScriptObject* slotAbove(ScriptBlock* block, const VarPlace& place) {
 // Runs steps from `step` on as long as they are of this kind. Null when the
 // program has come to its end; otherwise the step that is for the evaluator.
 const ExprStep* scriptRunNumberSteps(const ExprStep* step, ScriptBlock* block, EvalValue** top);
+
+// Runs a program of one such step, the commonest of all. False, with nothing
+// done, when the program is any other.
+bool scriptRunNumberStep(const ScriptExpression* expression, ScriptBlock* block, double* result);

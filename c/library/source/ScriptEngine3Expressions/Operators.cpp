@@ -66,7 +66,11 @@ const OperatorRow& scriptOperatorRow(uint32_t op) {
 
 uint32_t scriptOperatorFromToken(std::string_view token) {
     constexpr size_t kLongestToken = 8;
-    if (token.empty() || token.size() > kLongestToken) return 0;
+    constexpr std::string_view kFirstBytes = "()!+-&^*/%.<>{=?:|";
+    // Most tokens are names and literals, and none of those begins this way.
+    if (token.empty() || token.size() > kLongestToken ||
+        kFirstBytes.find(token[0]) == std::string_view::npos)
+        return 0;
     for (uint32_t op = kOpOpen; op < kOpCount; ++op)
         if (token[0] == kRows[op].token[0] && token == kRows[op].token) return op;
     return 0;

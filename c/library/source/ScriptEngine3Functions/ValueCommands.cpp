@@ -95,7 +95,8 @@ int scriptEngineSetPtr(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* arg
 
 constexpr CommandRow kValueCommands[] = {
     {"default", scriptEngineDefault, 2, 2, "1", kAnywhere},
-    {"eval", scriptEngineEval, 1, 1, nullptr, kAnywhere},
+    {"eval", scriptEngineEval, 1, 1, nullptr, kAnywhere, false, false, kDeclaresNone, kNoDirective,
+     kEvalCommand},
     {"size", scriptEngineSize, 2, 2, "1,2"},
     {"setptr", scriptEngineSetPtr, 2, 2, "2,2", kAnywhere, false, false, kDeclaresFirst},
 };
