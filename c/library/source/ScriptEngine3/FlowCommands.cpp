@@ -180,34 +180,17 @@ ScriptObject* parameter(ScriptBlock* instance, const BlockShape::Slot& slot, uin
     return instance->locals[slot.index];
 }
 
-// The usual case of a number: it comes into being as the parameter.
-bool passNumber(ScriptBlock* instance, const BlockShape::Slot& slot, uint32_t id, double number) {
-    if (slot.isLiteral || instance->locals[slot.index] != nullptr) return false;
-    ScriptObject* object = scriptObjectCreateNumber(number);
-    if (object == nullptr) return false;
-    object->nameId = id;
-    instance->locals[slot.index] = object;
-    instance->isDirty = 1;
-    return true;
-}
-
 // Gives the parameter the argument's value. `kDone`, or the status of the call.
-int passArgument(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg, ScriptBlock* instance,
-                 uint32_t position) {
+[[gnu::noinline]] int passArgument(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg,
+                                   ScriptBlock* instance, uint32_t position) {
     ScriptBlock* where = nullptr;
     ScriptObject* value = scriptBlockSearchPlace(block, arg, &where);
     if (value == nullptr) return invalidArgument(engine, position);
-    EvalResult result;
     Owned<ScriptObject> made;
     if (value->type == kTypeExpr) {
-        if (!scriptEvaluator(engine, where, value->expression, kWantValue, &result))
-            return invalidArgument(engine, position);
-        made.reset(result.object);
-        value = result.object;
-        // The parameter will refer to this very pointer.
-        if (value != nullptr && value->type == kTypePointer &&
-            !scriptTemporariesAdd(made.release()))
-            return invalidArgument(engine, position);
+        made.reset(scriptEvaluateToObject(engine, where, value->expression));
+        if (!made) return invalidArgument(engine, position);
+        value = made.get();
     }
     const BlockShape* shape = instance->shape;
     if (position > shape->paramSlots.size()) {
@@ -215,14 +198,8 @@ int passArgument(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg, Scrip
         logLocation(engine->logger, kLogError);
         return kError;
     }
-    const BlockShape::Slot slot = shape->paramSlots[position - 1];
-    const uint32_t id = shape->paramIds[position - 1];
-    if (value == nullptr || value->type == kTypeNumber) {
-        const double number = value == nullptr ? result.number : value->number;
-        if (passNumber(instance, slot, id, number)) return kDone;
-        if (value == nullptr) made.reset(value = scriptObjectCreateNumber(number));
-    }
-    ScriptObject* target = parameter(instance, slot, id);
+    ScriptObject* target =
+        parameter(instance, shape->paramSlots[position - 1], shape->paramIds[position - 1]);
     if (target == nullptr) {
         logError(engine->logger, "scriptEngineCall: #::11");
         return kInvalidCall;
@@ -233,10 +210,38 @@ int passArgument(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg, Scrip
     return kError;
 }
 
+// The usual case of a number, at hand or from one operation: it comes into
+// being as the parameter. False, with nothing done, when it is any other.
+inline bool passNumber(ScriptBlock* block, ScriptArg* arg, ScriptBlock* instance,
+                       uint32_t position) {
+    const BlockShape* shape = instance->shape;
+    if (position > shape->paramSlots.size()) return false;
+    const BlockShape::Slot slot = shape->paramSlots[position - 1];
+    if (slot.isLiteral || instance->locals[slot.index] != nullptr) return false;
+    const ScriptObject* value = scriptBlockSearchPlace(block, arg, nullptr);
+    if (value == nullptr) return false;
+    // Made first: an operation must not run twice for want of memory.
+    ScriptObject* object = scriptObjectCreateNumber(0);
+    if (object == nullptr) return false;
+    if (value->type == kTypeNumber) {
+        object->number = value->number;
+    } else if (value->type != kTypeExpr ||
+               !scriptRunNumberStep(value->expression, block, &object->number)) {
+        scriptObjectDestroy(&object);
+        return false;
+    }
+    object->nameId = shape->paramIds[position - 1];
+    instance->locals[slot.index] = object;
+    instance->isDirty = 1;
+    return true;
+}
+
 int passArguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
                   ScriptBlock* instance) {
     for (uint32_t position = 1; position < args->count; ++position) {
-        const int status = passArgument(engine, block, &args->items[position], instance, position);
+        ScriptArg* arg = &args->items[position];
+        if (passNumber(block, arg, instance, position)) continue;
+        const int status = passArgument(engine, block, arg, instance, position);
         if (status != kDone) return status;
     }
     return kDone;

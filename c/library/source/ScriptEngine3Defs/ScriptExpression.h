@@ -37,6 +37,7 @@ enum ExprStepKind : uint8_t {
     kStepUnary,
     kStepBinary,
     kStepAssign,   // a binary step that leaves its value on the left
+    kStepCompute,  // heads three steps, `x = a + b` and the like, that may run as one
     kStepClone,    // the whole program is one variable: a copy of it
     kStepInvalid,  // the program cannot go on
 };
@@ -58,7 +59,7 @@ struct ExprStep {
 struct ScriptExpression {
     GrowArray<ExprToken> tokens;
     GrowArray<ExprStep> steps;
-    const ExprStep* single = nullptr;  // the step of a program that has but one
+    const ExprStep* single = nullptr;  // the first step of a program that does one thing
     uint32_t stackDepth = 0;           // the most values on the stack, 0 before the first run
 };
 

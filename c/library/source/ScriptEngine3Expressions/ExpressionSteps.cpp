@@ -45,6 +45,27 @@ ExprStep operatorStep(GrowArray<ExprStep>& steps, uint32_t op) {
     return step;
 }
 
+constexpr size_t kComputeSteps = 3;
+
+// A variable, an operation on two operands that are at hand, and the assignment
+// of its result to the variable.
+bool isComputation(const GrowArray<ExprStep>& steps) {
+    if (steps.size() < kComputeSteps) return false;
+    const ExprStep* step = steps.end() - kComputeSteps;
+    return step[0].kind == kStepPush && step[1].kind == kStepBinary && step[1].taken == 0 &&
+           step[2].kind == kStepAssign && step[2].taken == 2;
+}
+
+// Puts the head before the last three steps.
+bool headComputation(GrowArray<ExprStep>& steps) {
+    if (!steps.push(steps.back())) return false;
+    ExprStep* head = steps.end() - kComputeSteps - 1;
+    head[2] = head[1];
+    head[1] = head[0];
+    head[0] = plainStep(kStepCompute, 0);
+    return true;
+}
+
 bool makeSteps(ScriptExpression* expression, const ScriptBlock* block) {
     GrowArray<ExprStep>& steps = expression->steps;
     uint32_t depth = 0;
@@ -62,6 +83,7 @@ bool makeSteps(ScriptExpression* expression, const ScriptBlock* block) {
         step.taken = static_cast<uint8_t>((step.right.from == kFromStack) +
                                           (operands > 1 && step.left.from == kFromStack));
         if (!steps.push(step)) return false;
+        if (isComputation(steps) && !headComputation(steps)) return false;
         depth -= operands - 1;
     }
     if (depth != 1) return steps.push(plainStep(kStepInvalid, 0));
@@ -80,6 +102,8 @@ bool scriptExpressionPrepare(ScriptExpression* expression, const ScriptBlock* bl
         return false;
     }
     expression->steps.back().isLast = true;
-    if (expression->steps.size() == 1) expression->single = &expression->steps[0];
+    const size_t count = expression->steps.size();
+    if (count == 1 || (count == 1 + kComputeSteps && expression->steps[0].kind == kStepCompute))
+        expression->single = &expression->steps[0];
     return true;
 }

@@ -8,6 +8,11 @@ const ExprStep* scriptRunNumberSteps(const ExprStep* step, ScriptBlock* block, E
         if (quickStep(*step, block, at, &number)) {
             at -= step->taken;
             *at++ = valueOfNumber(number);
+        } else if (step->kind == kStepCompute) {
+            // Step by step where it is more than that.
+            if (!quickCompute(step, block, at, &number)) continue;
+            *at++ = valueOfNumber(number);
+            step += 3;
         } else if (step->kind == kStepPush && quickPush(step->right, block, at)) {
             ++at;
         } else {
@@ -25,5 +30,7 @@ bool scriptRunNumberStep(const ScriptExpression* expression, ScriptBlock* block,
     if (expression->single == nullptr) return false;
     // No operand of a single step comes from the stack: what stands here is not looked at.
     const EvalValue unused[2] = {};
-    return quickStep(*expression->single, block, unused + 2, result);
+    const ExprStep* step = expression->single;
+    return step->kind == kStepCompute ? quickCompute(step, block, unused + 2, result)
+                                      : quickStep(*step, block, unused + 2, result);
 }

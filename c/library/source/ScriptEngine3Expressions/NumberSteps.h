@@ -175,6 +175,22 @@ inline ScriptObject* slotAbove(ScriptBlock* block, const VarPlace& place) {
     return value->object != nullptr;
 }
 
+// The three steps behind the head of a computation. Their operands are at hand:
+// none comes from the stack.
+[[gnu::always_inline]] inline bool quickCompute(const ExprStep* head, ScriptBlock* block,
+                                                const EvalValue* top, double* result) {
+    ScriptObject* target = targetAt(head[1].right, block, top);
+    double value;
+    if (target == nullptr || !quickBinary(head[2], block, top, &value)) return false;
+    const uint8_t op = head[3].op;
+    if (op != kOpAssign &&
+        !ofNumbers(kPlainOperators[op - kOpAssign], target->number, value, &value))
+        return false;
+    target->number = value;
+    *result = value;
+    return true;
+}
+
 [[gnu::always_inline]] inline bool quickStep(const ExprStep& step, ScriptBlock* block,
                                              const EvalValue* top, double* result) {
     if (step.kind == kStepBinary) return quickBinary(step, block, top, result);
