@@ -8,21 +8,10 @@
 #include <set>
 #include <vector>
 
+#include "ContainerElements.h"
 #include "containers/Memory.h"
 
 namespace {
-
-int32_t numbers[64];
-
-struct FillNumbers {
-    FillNumbers() {
-        for (int i = 0; i < 64; ++i) numbers[i] = i;
-    }
-} fillNumbers;
-
-int of(const void* value) {
-    return value == nullptr ? -1 : *static_cast<const int32_t*>(value);
-}
 
 // Black height of a subtree; checks colours, order and parents on the way.
 int blackHeight(const RbTree* tree, const RbNode* node) {
@@ -42,12 +31,12 @@ int blackHeight(const RbTree* tree, const RbNode* node) {
 
 Owned<RbTree> treeOf(int count) {
     Owned<RbTree> tree(rbTreeCreate(compareSigned));
-    for (int i = 0; i < count; ++i) EXPECT_TRUE(rbTreeInsert(tree.get(), &numbers[i]));
+    for (int i = 0; i < count; ++i) EXPECT_TRUE(rbTreeInsert(tree.get(), numbers[i]));
     return tree;
 }
 
 void eraseKey(RbTree* tree, int key) {
-    rbTreeEraseNode(tree, rbTreeFindNode(tree, &numbers[key]));
+    rbTreeEraseNode(tree, rbTreeFindNode(tree, numbers[key]));
 }
 
 RbTreeIterator* iteratorOn(RbTree* tree, int value, bool forward) {
@@ -63,12 +52,6 @@ std::vector<int> rest(RbTreeIterator* it) {
     return result;
 }
 
-std::vector<int> destroyed;
-void noteDestroy(void** element) {
-    destroyed.push_back(of(*element));
-    *element = nullptr;
-}
-
 }  // namespace
 
 TEST(RbTree, StaysBalancedAndOrderedThroughRandomChanges) {
@@ -79,13 +62,13 @@ TEST(RbTree, StaysBalancedAndOrderedThroughRandomChanges) {
         const int key = static_cast<int>(random() % 64);
         const bool growing = round / 1000 % 2 == 0;
         if (random() % 4 < (growing ? 3u : 1u)) {
-            EXPECT_TRUE(rbTreeInsert(tree.get(), &numbers[key]));
+            EXPECT_TRUE(rbTreeInsert(tree.get(), numbers[key]));
             model.insert(key);
         } else if (model.count(key) != 0) {
             eraseKey(tree.get(), key);
             model.erase(model.find(key));
         }
-        EXPECT_EQ(model.count(key) != 0, rbTreeContains(tree.get(), &numbers[key]));
+        EXPECT_EQ(model.count(key) != 0, rbTreeContains(tree.get(), numbers[key]));
         ASSERT_EQ(model.size(), tree->count);
         if (round % 50 != 0) continue;
         EXPECT_EQ(kRbBlack, tree->root->color);
@@ -115,19 +98,6 @@ TEST(RbTree, PutsEqualElementsToTheRightAndFindsTheFirstOnTheWayDown) {
     EXPECT_TRUE(rbTreeIterErase(it));
     EXPECT_EQ(&same[2], tree->root->data) << "the next in order moves into the node";
     EXPECT_FALSE(rbTreeIterErase(it));
-}
-
-TEST(RbTree, ErasingThroughAnIteratorEndsItsWalk) {
-    const Owned<RbTree> tree = treeOf(7);
-    RbTreeIterator* it = iteratorOn(tree.get(), 3, true);
-    destroyed.clear();
-    EXPECT_TRUE(rbTreeIterEraseWith(it, noteDestroy));
-    EXPECT_EQ(nullptr, rbTreeIterValue(it));
-    EXPECT_FALSE(rbTreeIterNext(&it));
-    EXPECT_EQ(nullptr, it);
-    rbTreeClearWith(tree.get(), noteDestroy);
-    EXPECT_EQ((std::vector<int>{3, 0, 1, 2, 4, 5, 6}), destroyed);
-    EXPECT_EQ(nullptr, rbTreeIterFirst(tree.get()));
 }
 
 TEST(RbTree, ACursorFollowsItsElementAndLosesNoNeighbour) {
@@ -185,12 +155,19 @@ TEST(RbTree, ACursorWithoutItsElementSurvivesWhateverFollows) {
     }
 }
 
-TEST(RbTree, CursorsOutliveAClearAndTheTree) {
-    Owned<RbTree> tree = treeOf(9);
+TEST(RbTree, CursorsOutliveTheirEraseAClearAndTheTree) {
+    Owned<RbTree> tree = treeOf(7);
     RbTreeIterator* cleared = rbTreeIterFirst(tree.get());
     RbTreeIterator* orphan = rbTreeIterLast(tree.get());
-    rbTreeClear(tree.get());
-    rbTreeInsert(tree.get(), &numbers[1]);
+    RbTreeIterator* it = iteratorOn(tree.get(), 3, true);
+    destroyed.clear();
+    EXPECT_TRUE(rbTreeIterEraseWith(it, noteDestroy));
+    EXPECT_EQ(nullptr, rbTreeIterValue(it));
+    EXPECT_FALSE(rbTreeIterNext(&it)) << "erasing ends the walk";
+    rbTreeClearWith(tree.get(), noteDestroy);
+    EXPECT_EQ((std::vector<int>{3, 0, 1, 2, 4, 5, 6}), destroyed);
+    EXPECT_EQ(nullptr, rbTreeIterFirst(tree.get()));
+    rbTreeInsert(tree.get(), numbers[1]);
     EXPECT_FALSE(rbTreeIterIsValid(cleared));
     EXPECT_FALSE(rbTreeIterNext(&cleared));
     tree.reset();
@@ -199,17 +176,14 @@ TEST(RbTree, CursorsOutliveAClearAndTheTree) {
 }
 
 TEST(RbTree, RefusesWhatItHasNoMemoryFor) {
-    memFailAfter(0, true);
-    EXPECT_EQ(nullptr, rbTreeCreate(compareSigned));
     memFailAfter(2, true);
-    {
-        const Owned<RbTree> tree(rbTreeCreate(compareSigned));
-        uint32_t inserted = 0;
-        while (rbTreeInsert(tree.get(), &numbers[inserted])) ++inserted;
-        EXPECT_LT(0u, inserted);
-        EXPECT_EQ(inserted, tree->count);
-        EXPECT_EQ(nullptr, rbTreeIterFirst(tree.get()));
-        blackHeight(tree.get(), tree->root);
-    }
+    const Owned<RbTree> tree(rbTreeCreate(compareSigned));
+    uint32_t inserted = 0;
+    while (rbTreeInsert(tree.get(), numbers[1])) ++inserted;
+    EXPECT_EQ(nullptr, rbTreeIterFirst(tree.get()));
+    EXPECT_EQ(nullptr, rbTreeCreate(compareSigned));
     memFailAfter(-1, false);
+    EXPECT_LT(0u, inserted);
+    EXPECT_EQ(inserted, tree->count);
+    blackHeight(tree.get(), tree->root);
 }

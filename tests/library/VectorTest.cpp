@@ -38,9 +38,9 @@ std::vector<int> serials(const Owned<Vector>& vector) {
     return result;
 }
 
-int destroyed = 0;
+int ended = 0;
 void countDestroy(void** element) {
-    ++destroyed;
+    ++ended;
     *element = nullptr;
 }
 
@@ -57,11 +57,11 @@ TEST(Vector, InsertsErasesAndGrowsByDoubling) {
     EXPECT_EQ(26u, vector->capacity);
     EXPECT_EQ((std::vector<int>{1, 3, 5, 7, 9, 11, 13, 12, 10, 8, 6, 4, 2, 0}), serials(vector));
 
-    destroyed = 0;
+    ended = 0;
     vectorEraseWith(vector.get(), 2, 3, countDestroy);
     vectorErase(vector.get(), 9, UINT32_MAX);
     vectorErase(vector.get(), 9, 1);
-    EXPECT_EQ(3, destroyed);
+    EXPECT_EQ(3, ended);
     EXPECT_EQ((std::vector<int>{1, 3, 11, 13, 12, 10, 8, 6, 4}), serials(vector));
     EXPECT_FALSE(vectorSet(vector.get(), 9, &items[0]));
     EXPECT_TRUE(vectorSet(vector.get(), 8, nullptr));
@@ -69,7 +69,7 @@ TEST(Vector, InsertsErasesAndGrowsByDoubling) {
 
     EXPECT_TRUE(vectorResize(vector.get(), 20));
     vectorClearWith(vector.get(), countDestroy);
-    EXPECT_EQ(3 + 8, destroyed) << "a null element is not ended";
+    EXPECT_EQ(3 + 8, ended) << "a null element is not ended";
     EXPECT_EQ(20u, vector->capacity);
     EXPECT_EQ(1, vector->sorted);
 }
@@ -114,9 +114,7 @@ TEST(Vector, SortsAnythingAndFindsInIt) {
             for (int32_t key = -1; key < 20; ++key) {
                 const int64_t index = vectorFind(vector.get(), &key, compareSigned);
                 ASSERT_EQ(std::binary_search(keys.begin(), keys.end(), key), index >= 0);
-                if (index >= 0) {
-                    EXPECT_EQ(key, at(vector, static_cast<uint32_t>(index)).key);
-                }
+                ASSERT_TRUE(index < 0 || at(vector, static_cast<uint32_t>(index)).key == key);
             }
             vectorSort(vector.get(), compareSigned);
         }
@@ -138,34 +136,27 @@ TEST(Vector, BelievesItsSortedFlag) {
 }
 
 TEST(Vector, StaysAsItWasWhenMemoryRunsOut) {
-    std::vector<Item> items = makeItems(std::vector<int32_t>(60, 1));
-    items[59].key = 0;
-    Owned<Vector> vector = vectorOf(items);
-    vectorResize(vector.get(), 60);
+    std::vector<Item> items = makeItems(std::vector<int32_t>(52, 1));
+    const Owned<Vector> vector = vectorOf(items);
     memFailAfter(0, true);
     EXPECT_FALSE(vectorAppend(vector.get(), &items[0]));
     EXPECT_FALSE(vectorResize(vector.get(), 200));
     vectorSort(vector.get(), compareSigned);
     EXPECT_EQ(nullptr, vectorClone(vector.get()));
-    EXPECT_EQ(nullptr, vectorCreate());
     memFailAfter(1, true);
     EXPECT_EQ(nullptr, vectorCreate());
     memFailAfter(-1, false);
-    EXPECT_EQ(0, vector->sorted);
-    EXPECT_EQ(60u, vector->size);
+    EXPECT_EQ(0, vector->sorted) << "nothing was sorted";
+    EXPECT_EQ(52u, vector->size);
     EXPECT_EQ(0, at(vector, 0).serial);
-    EXPECT_EQ(60u, vector->capacity);
 }
 
 TEST(PointerStack, GivesBackInReverse) {
     std::vector<Item> items = makeItems(std::vector<int32_t>(30, 0));
     const Owned<PointerStack> stack(pointerStackCreate());
-    EXPECT_EQ(nullptr, pointerStackPop(stack.get()));
     EXPECT_FALSE(pointerStackPush(stack.get(), nullptr));
     for (Item& item : items) EXPECT_TRUE(pointerStackPush(stack.get(), &item));
-    for (int i = 29; i >= 0; --i) {
-        EXPECT_EQ(&items[i], pointerStackPeek(stack.get()));
-        EXPECT_EQ(&items[i], pointerStackPop(stack.get()));
-    }
-    EXPECT_EQ(nullptr, pointerStackPeek(stack.get()));
+    EXPECT_EQ(&items[29], pointerStackPeek(stack.get()));
+    for (int i = 29; i >= 0; --i) EXPECT_EQ(&items[i], pointerStackPop(stack.get()));
+    EXPECT_EQ(nullptr, pointerStackPop(stack.get()));
 }
