@@ -3,10 +3,6 @@
 
 namespace {
 
-bool isContainer(ScriptType type) {
-    return type >= kTypeList && type <= kTypeTree;
-}
-
 // Of these an assignment carries the type alone.
 bool carriesTypeOnly(ScriptType type) {
     return type == kTypeUndef || type == kTypeExpr || type == kTypeFile || type == kTypeParser ||
@@ -41,21 +37,22 @@ bool copyValue(ScriptObject* target, const ScriptObject* source) {
     }
 }
 
-// A target of another type loses what it held, and the source may be a part of that.
+// A target of another type loses what it held. The source may be a part of
+// that: the new value is whole before the old one goes.
 bool replaceValue(ScriptEngine* engine, ScriptObject* target, const ScriptObject* source) {
-    if (isContainer(target->type) && !carriesTypeOnly(source->type)) {
-        Owned<ScriptObject> copy(scriptObjectClone(source));
-        if (copy) {
-            scriptObjectMove(target, copy.get());
-            return true;
+    if (scriptTypeIsContainer(target->type) && source->type != kTypeUndef) {
+        Owned<ScriptObject> fresh(scriptObjectCreate(source->type));
+        const bool copied = fresh && copyValue(fresh.get(), source);
+        if (fresh) {
+            scriptObjectMove(target, fresh.get());
+            return copied;
         }
+    } else if (scriptObjectRetype(target, source->type)) {
+        return copyValue(target, source);
     }
-    if (!scriptObjectRetype(target, source->type)) {
-        logError(engine == nullptr ? nullptr : engine->logger, "scriptObjectDefaultAssign: #::11");
-        logLocation(engine == nullptr ? nullptr : engine->logger, kLogError);
-        return false;
-    }
-    return copyValue(target, source);
+    logError(engine == nullptr ? nullptr : engine->logger, "scriptObjectDefaultAssign: #::11");
+    logLocation(engine == nullptr ? nullptr : engine->logger, kLogError);
+    return false;
 }
 
 }  // namespace

@@ -161,21 +161,25 @@ bool scriptContainerCreate(ScriptObject* object, ScriptType type) {
     }
 }
 
+void scriptContainerEndCursor(ScriptObject* object) {
+    if (object->type == kTypeList) listIterDestroy(&object->list.cursor);
+    if (object->type == kTypeSet) setIterDestroy(&object->set.cursor);
+    if (object->type == kTypeMap) mapIterDestroy(&object->map.cursor);
+}
+
 void scriptContainerDestroy(ScriptObject* object) {
+    scriptContainerEndCursor(object);
     switch (object->type) {
         case kTypeList:
-            listIterDestroy(&object->list.cursor);
             listDestroyWith(&object->list.list, scriptObjectDestroyElement);
             break;
         case kTypeVector:
             vectorDestroyWith(&object->vector.vector, scriptObjectDestroyElement);
             break;
         case kTypeSet:
-            setIterDestroy(&object->set.cursor);
             setDestroyWith(&object->set.set, scriptObjectDestroyElement);
             break;
         case kTypeMap:
-            mapIterDestroy(&object->map.cursor);
             mapDestroyWith(&object->map.map, scriptObjectDestroyElement,
                            scriptObjectDestroyElement);
             break;
@@ -187,7 +191,7 @@ void scriptContainerDestroy(ScriptObject* object) {
 
 bool scriptContainerClone(ScriptObject* copy, const ScriptObject* source) {
     const CloneDepth guard;
-    if (CloneDepth::depth > kMaxValueNesting) CloneDepth::tooDeep = true;
+    if (valueNestingEnds(CloneDepth::depth - 1)) CloneDepth::tooDeep = true;
     if (CloneDepth::tooDeep || !scriptContainerCreate(copy, source->type)) return false;
     copy->type = source->type;
     if (source->type == kTypeTree) return copyTree(copy->tree, source->tree);

@@ -8,8 +8,14 @@
 
 // The payloads of the container types, for the operations on objects.
 
+constexpr bool scriptTypeIsContainer(ScriptType type) {
+    return type >= kTypeList && type <= kTypeTree;
+}
+
 // Gives an undef object an empty container of the type; the caller sets the type.
 bool scriptContainerCreate(ScriptObject* object, ScriptType type);
+// Ends a container's cursor, if it has one.
+void scriptContainerEndCursor(ScriptObject* object);
 // Ends a container with its cursor and its elements.
 void scriptContainerDestroy(ScriptObject* object);
 // Gives an undef object copies of the elements of `source`, and its type.

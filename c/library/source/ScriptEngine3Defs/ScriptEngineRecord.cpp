@@ -52,6 +52,7 @@ ScriptEngine* scriptEngineRecordCreate() {
 void scriptEngineRecordDestroy(ScriptEngine** engine) {
     if (engine == nullptr || *engine == nullptr) return;
     ScriptEngine* record = *engine;
+    scriptTemporariesFlush();
     parseTablesDestroy(&record->parseTables);
     scriptBlockDestroy(&record->globalBlock);
     for (ScriptBlock*& block : record->blocks) scriptBlockDestroy(&block);

@@ -71,6 +71,26 @@ void endPayload(ScriptObject* object) {
     object->type = kTypeUndef;
 }
 
+// Ends a container. What it holds may be containers again, to any depth: those
+// wait in line for their end, and the stack does not grow.
+void endContainer(ScriptObject* dead) {
+    static ScriptObject* line = nullptr;
+    static bool ending = false;
+    scriptContainerEndCursor(dead);
+    dead->waiting.next = line;
+    line = dead;
+    if (ending) return;
+    ending = true;
+    while (line != nullptr) {
+        ScriptObject* first = line;
+        line = first->waiting.next;
+        first->waiting.next = nullptr;
+        endPayload(first);
+        poolGive(&scriptObjectPool, first);
+    }
+    ending = false;
+}
+
 bool clonePayload(ScriptObject* copy, const ScriptObject* source) {
     switch (source->type) {
         case kTypeNumber:
@@ -133,8 +153,10 @@ bool scriptObjectCanClone(const ScriptObject* object) {
     return object->hasValues();
 }
 
-void scriptObjectEndPayload(ScriptObject* object) {
-    endPayload(object);
+void scriptObjectEnd(ScriptObject* dead) {
+    if (scriptTypeIsContainer(dead->type)) return endContainer(dead);
+    endPayload(dead);
+    poolGive(&scriptObjectPool, dead);
 }
 
 void scriptObjectDestroyElement(void** element) {

@@ -64,6 +64,11 @@ struct ScriptObject {
         Map* map;
         MapIterator* cursor;  // owned, null without one
     };
+    // A container that waits for its end, its cursor gone already.
+    struct Waiting {
+        void* payload;
+        ScriptObject* next;
+    };
 
     union {
         ScriptExpression* expression;
@@ -76,6 +81,7 @@ struct ScriptObject {
         SetValue set;
         MapValue map;
         PathTree* tree;
+        Waiting waiting;
         void* payload;  // slot 0 of the types that keep a record outside
     };
     uint32_t nameId;
@@ -118,7 +124,7 @@ void scriptObjectPoolRelease();
 
 // What stands behind the inline functions; not for others.
 extern Pool scriptObjectPool;
-void scriptObjectEndPayload(ScriptObject* object);
+void scriptObjectEnd(ScriptObject* dead);
 
 // A nameless undef object, or null.
 inline ScriptObject* scriptObjectTake() {
@@ -142,8 +148,8 @@ inline void scriptObjectDestroy(ScriptObject** object) {
     if (object == nullptr || *object == nullptr) return;
     ScriptObject* dead = *object;
     *object = nullptr;
-    if (dead->type != kTypeNumber) scriptObjectEndPayload(dead);
     ++dead->generation;
+    if (dead->type != kTypeNumber) return scriptObjectEnd(dead);
     poolGive(&scriptObjectPool, dead);
 }
 
