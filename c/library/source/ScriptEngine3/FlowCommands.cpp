@@ -191,6 +191,9 @@ ScriptObject* parameter(ScriptBlock* instance, const BlockShape::Slot& slot, uin
         made.reset(scriptEvaluateToObject(engine, where, value->expression));
         if (!made) return invalidArgument(engine, position);
         value = made.get();
+        // A parameter made from a pointer will refer to that very object.
+        if (value->type == kTypePointer && !scriptTemporariesAdd(made.release()))
+            return invalidArgument(engine, position);
     }
     const BlockShape* shape = instance->shape;
     if (position > shape->paramSlots.size()) {
@@ -361,35 +364,57 @@ int scriptEngineDirective(ScriptEngine*, ScriptBlock*, ScriptArgs*, int) {
     return kInvalidCall;
 }
 
+constexpr CommandRow directive(const char* name, uint32_t maxArgs, DirectiveKind kind) {
+    return {.name = name,
+            .handler = scriptEngineDirective,
+            .minArgs = 1,
+            .maxArgs = maxArgs,
+            .scope = kAtFileLevel,
+            .directive = kind};
+}
+
 constexpr CommandRow kDirectives[] = {
-    {"signature", scriptEngineDirective, 1, 1, nullptr, kAtFileLevel, false, false, kDeclaresNone,
-     kDirectiveSignature},
-    {"include", scriptEngineDirective, 1, 1, nullptr, kAtFileLevel, false, false, kDeclaresNone,
-     kDirectiveInclude},
-    {"limit", scriptEngineDirective, 1, kManyArgs, nullptr, kAtFileLevel, false, false,
-     kDeclaresNone, kDirectiveLimit},
-    {"user", scriptEngineDirective, 1, kManyArgs, nullptr, kAtFileLevel, false, false,
-     kDeclaresNone, kDirectiveUser},
-    {"group", scriptEngineDirective, 1, kManyArgs, nullptr, kAtFileLevel, false, false,
-     kDeclaresNone, kDirectiveGroup},
-    {"function", scriptEngineDirective, 1, kManyArgs, "1-100", kAtFileLevel, true, false,
-     kDeclaresNone, kDirectiveFunction},
+    directive("signature", 1, kDirectiveSignature),
+    directive("include", 1, kDirectiveInclude),
+    directive("limit", kManyArgs, kDirectiveLimit),
+    directive("user", kManyArgs, kDirectiveUser),
+    directive("group", kManyArgs, kDirectiveGroup),
+    {.name = "function",
+     .handler = scriptEngineDirective,
+     .minArgs = 1,
+     .maxArgs = kManyArgs,
+     .targetSpec = "1-100",
+     .scope = kAtFileLevel,
+     .opensBlock = true,
+     .directive = kDirectiveFunction},
 };
 
+constexpr CommandRow flow(const char* name, CommandHandler handler, uint32_t minArgs,
+                          uint32_t maxArgs, FlowKind kind = kPlainCommand) {
+    return {.name = name, .handler = handler, .minArgs = minArgs, .maxArgs = maxArgs, .flow = kind};
+}
+
+constexpr CommandRow opener(const char* name, CommandHandler handler, uint32_t args,
+                            DirectiveKind kind = kNoDirective) {
+    return {.name = name,
+            .handler = handler,
+            .minArgs = args,
+            .maxArgs = args,
+            .opensBlock = true,
+            .directive = kind};
+}
+
 constexpr CommandRow kFlowCommands[] = {
-    {"exit", scriptEngineExit, 0, 1, nullptr},
-    {"call", scriptEngineCall, 1, kManyArgs, nullptr, kInBlock, false, false, kDeclaresNone,
-     kNoDirective, kCallCommand},
-    {"return", scriptEngineReturn, 0, 1, nullptr},
-    {"if", scriptEngineIf, 1, 1, nullptr, kInBlock, true, false, kDeclaresNone, kBranchIf},
-    {"elseif", scriptEngineElseif, 1, 1, nullptr, kInBlock, true, false, kDeclaresNone,
-     kBranchElseif},
-    {"else", scriptEngineElse, 0, 0, nullptr, kInBlock, true, false, kDeclaresNone, kBranchElse},
-    {"while", scriptEngineWhile, 1, 1, nullptr, kInBlock, true},
-    {"for", scriptEngineFor, 3, 3, nullptr, kInBlock, true},
-    {"break", scriptEngineBreak, 0, 0, nullptr},
-    {"continue", scriptEngineContinue, 0, 0, nullptr, kInBlock, false, false, kDeclaresNone,
-     kNoDirective, kContinueCommand},
+    flow("exit", scriptEngineExit, 0, 1),
+    flow("call", scriptEngineCall, 1, kManyArgs, kCallCommand),
+    flow("return", scriptEngineReturn, 0, 1),
+    opener("if", scriptEngineIf, 1, kBranchIf),
+    opener("elseif", scriptEngineElseif, 1, kBranchElseif),
+    opener("else", scriptEngineElse, 0, kBranchElse),
+    opener("while", scriptEngineWhile, 1),
+    opener("for", scriptEngineFor, 3),
+    flow("break", scriptEngineBreak, 0, 0),
+    flow("continue", scriptEngineContinue, 0, 0, kContinueCommand),
 };
 
 }  // namespace

@@ -42,7 +42,7 @@ struct CommandRow {
     CommandHandler handler;
     uint32_t minArgs;
     uint32_t maxArgs;
-    const char* targetSpec;  // "1,3", "1-100", or null
+    const char* targetSpec = nullptr;  // "1,3", "1-100", or null
     CommandScope scope = kInBlock;
     bool opensBlock = false;
     bool needsSignature = false;

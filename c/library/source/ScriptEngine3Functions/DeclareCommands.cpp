@@ -106,13 +106,19 @@ int scriptEngineRetype(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* arg
     return scriptObjectRetype(object, type) ? kDone : kNegative;
 }
 
-constexpr CommandRow declarator(const char* name, CommandHandler handler) {
-    return {name, handler, 1, kManyArgs, "1-100", kAnywhere, false, false, kDeclaresAll};
+constexpr CommandRow declarator(const char* name, CommandHandler handler,
+                                DeclareKind declares = kDeclaresAll) {
+    return {.name = name,
+            .handler = handler,
+            .minArgs = 1,
+            .maxArgs = kManyArgs,
+            .targetSpec = "1-100",
+            .scope = kAnywhere,
+            .declares = declares};
 }
 
 constexpr CommandRow kDeclareCommands[] = {
-    {"global", scriptEngineGlobal, 1, kManyArgs, "1-100", kAnywhere, false, false,
-     kDeclaresOutermost},
+    declarator("global", scriptEngineGlobal, kDeclaresOutermost),
     {"new", scriptEngineNew, 2, 2, "2", kAnywhere},
     declarator("var", declare<kVar>),
     declarator("pointer", declare<kPointer>),

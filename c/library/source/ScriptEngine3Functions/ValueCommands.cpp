@@ -95,10 +95,20 @@ int scriptEngineSetPtr(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* arg
 
 constexpr CommandRow kValueCommands[] = {
     {"default", scriptEngineDefault, 2, 2, "1", kAnywhere},
-    {"eval", scriptEngineEval, 1, 1, nullptr, kAnywhere, false, false, kDeclaresNone, kNoDirective,
-     kEvalCommand},
+    {.name = "eval",
+     .handler = scriptEngineEval,
+     .minArgs = 1,
+     .maxArgs = 1,
+     .scope = kAnywhere,
+     .flow = kEvalCommand},
     {"size", scriptEngineSize, 2, 2, "1,2"},
-    {"setptr", scriptEngineSetPtr, 2, 2, "2,2", kAnywhere, false, false, kDeclaresFirst},
+    {.name = "setptr",
+     .handler = scriptEngineSetPtr,
+     .minArgs = 2,
+     .maxArgs = 2,
+     .targetSpec = "2,2",
+     .scope = kAnywhere,
+     .declares = kDeclaresFirst},
 };
 
 }  // namespace
