@@ -219,6 +219,14 @@ StackRun scriptEngineRunStack(ScriptEngine* engine, bool allowSingle) {
     return result;
 }
 
+bool bodyExists(ScriptEngine* engine, const char* name, int blockNumber) {
+    if (blockNumber >= 0 && static_cast<size_t>(blockNumber) < engine->blocks.size() &&
+        engine->blocks[static_cast<size_t>(blockNumber)] != nullptr)
+        return true;
+    logError(engine->logger, "%s: #::11", name);
+    return false;
+}
+
 ScriptBlock* blockPush(ScriptEngine* engine, int blockNumber, ScriptBlock* parent,
                        PushFailure* failure) {
     const auto number = static_cast<size_t>(blockNumber);

@@ -28,6 +28,9 @@ enum class PushFailure { None, MissingBlock, NoInstance, NoStack };
 ScriptBlock* blockPush(ScriptEngine* engine, int blockNumber, ScriptBlock* parent,
                        PushFailure* failure);
 
+// True when there is a block of this number; otherwise logs "<name>: #::11".
+bool bodyExists(ScriptEngine* engine, const char* name, int blockNumber);
+
 // Runs a function from outside with texts, in literal form, as arguments.
 bool scriptEngineExecuteFunction(ScriptEngine* engine, const ScriptFunction* function,
                                  ScriptBlock* parent, const GrowArray<const String*>& args);
