@@ -2,6 +2,7 @@
 
 #include "ScriptEngine3Defs/ScriptEvaluator.h"
 #include "ScriptEngine3Expressions/NumberSteps.h"
+#include "ScriptEngine3Expressions/TextSteps.h"
 #include "platform/program.h"
 
 namespace {
@@ -146,12 +147,13 @@ inline bool actOnStatus(ScriptEngine* engine, ScriptBlock* block, int status,
     return true;
 }
 
-// `eval` of a single operation on numbers, without its handler. False, with
-// nothing done, when the statement is any other.
+// `eval` of a single operation on numbers, or of a text that grows, without its
+// handler. False, with nothing done, when the statement is any other.
 inline bool quickEval(ScriptBlock* block, const ScriptLine* line) {
     double number;
     const ScriptExpression* expression = scriptArgumentExpression(block, line->args.items[0]);
-    return expression != nullptr && scriptRunNumberStep(expression, block, &number);
+    return expression != nullptr &&
+           (scriptRunNumbers(expression, block, &number) || scriptRunAppendStep(expression, block));
 }
 
 // One statement; false when the block stops.

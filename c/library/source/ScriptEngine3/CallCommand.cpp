@@ -75,7 +75,7 @@ inline bool passNumber(ScriptBlock* block, ScriptArg* arg, ScriptBlock* instance
     if (value->type == kTypeNumber) {
         object->number = value->number;
     } else if (value->type != kTypeExpr ||
-               !scriptRunNumberStep(value->expression, block, &object->number)) {
+               !scriptRunNumbers(value->expression, block, &object->number)) {
         scriptObjectDestroy(&object);
         return false;
     }

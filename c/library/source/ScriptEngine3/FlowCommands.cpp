@@ -45,7 +45,7 @@ bool branchCondition(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
                      ScriptTruth* truth) {
     if (ScriptExpression* expression = scriptArgumentExpression(block, args->items[0])) {
         EvalResult result;
-        if (scriptRunNumberStep(expression, block, &result.number)) {
+        if (scriptRunNumbers(expression, block, &result.number)) {
             *truth = result.number == 0 ? kFalse : kTrue;
             return true;
         }
@@ -97,14 +97,14 @@ class LoopArgument {
     ScriptTruth truth() const {
         if (object_->type != kTypeExpr) return scriptObjectGetBool(engine_, object_, block_);
         double number;
-        if (scriptRunNumberStep(object_->expression, block_, &number))
+        if (scriptRunNumbers(object_->expression, block_, &number))
             return number == 0 ? kFalse : kTrue;
         return scriptEvaluateTruth(engine_, block_, object_->expression);
     }
     void run() const {
         EvalResult result;
         if (object_->type == kTypeExpr &&
-            !scriptRunNumberStep(object_->expression, block_, &result.number))
+            !scriptRunNumbers(object_->expression, block_, &result.number))
             scriptEvaluator(engine_, block_, object_->expression, kWantNothing, &result);
     }
 

@@ -54,12 +54,16 @@ struct ExprStep {
     ExprOperand right;
 };
 
+// The most values on the stack of a program that counts as short.
+constexpr uint32_t kPureDepth = 8;
+
 // A compiled expression in postfix order. The tokens never change; the steps
 // are made from them at the first run.
 struct ScriptExpression {
     GrowArray<ExprToken> tokens;
     GrowArray<ExprStep> steps;
     const ExprStep* single = nullptr;  // the first step of a program that does one thing
+    bool isPure = false;               // changes nothing and is short: it may be begun again
     uint32_t stackDepth = 0;           // the most values on the stack, 0 before the first run
 };
 

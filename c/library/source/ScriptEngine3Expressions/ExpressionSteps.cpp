@@ -66,6 +66,15 @@ bool headComputation(GrowArray<ExprStep>& steps) {
     return true;
 }
 
+bool isPure(const ScriptExpression* expression) {
+    if (expression->stackDepth > kPureDepth) return false;
+    for (const ExprToken& token : expression->tokens)
+        if (token.op == kOpIncr || token.op == kOpDecr ||
+            (token.op >= kOpAssign && token.op != kOpValue))
+            return false;
+    return true;
+}
+
 bool makeSteps(ScriptExpression* expression, const ScriptBlock* block) {
     GrowArray<ExprStep>& steps = expression->steps;
     uint32_t depth = 0;
@@ -102,6 +111,7 @@ bool scriptExpressionPrepare(ScriptExpression* expression, const ScriptBlock* bl
         return false;
     }
     expression->steps.back().isLast = true;
+    expression->isPure = isPure(expression);
     const size_t count = expression->steps.size();
     if (count == 1 || (count == 1 + kComputeSteps && expression->steps[0].kind == kStepCompute))
         expression->single = &expression->steps[0];

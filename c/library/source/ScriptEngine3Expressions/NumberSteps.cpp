@@ -1,6 +1,6 @@
 #include "ScriptEngine3Expressions/NumberSteps.h"
 
-// These two call nothing that comes back, so that the compiler keeps all of them in registers.
+// Calls nothing that comes back, so that the compiler keeps all of it in registers.
 const ExprStep* scriptRunNumberSteps(const ExprStep* step, ScriptBlock* block, EvalValue** top) {
     EvalValue* at = *top;
     for (;; ++step) {
@@ -26,11 +26,24 @@ const ExprStep* scriptRunNumberSteps(const ExprStep* step, ScriptBlock* block, E
     }
 }
 
-bool scriptRunNumberStep(const ScriptExpression* expression, ScriptBlock* block, double* result) {
-    if (expression->single == nullptr) return false;
+namespace {
+
+bool runSingle(const ExprStep* step, ScriptBlock* block, double* result) {
     // No operand of a single step comes from the stack: what stands here is not looked at.
     const EvalValue unused[2] = {};
-    const ExprStep* step = expression->single;
     return step->kind == kStepCompute ? quickCompute(step, block, unused + 2, result)
                                       : quickStep(*step, block, unused + 2, result);
+}
+
+}  // namespace
+
+bool scriptRunNumbers(const ScriptExpression* expression, ScriptBlock* block, double* result) {
+    if (expression->single != nullptr) return runSingle(expression->single, block, result);
+    if (!expression->isPure) return false;
+    EvalValue stack[kPureDepth];
+    EvalValue* top = stack;
+    if (scriptRunNumberSteps(expression->steps.begin(), block, &top) != nullptr) return false;
+    if (stack[0].object != nullptr) return false;
+    *result = stack[0].number;
+    return true;
 }

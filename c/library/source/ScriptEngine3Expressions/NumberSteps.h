@@ -201,6 +201,6 @@ inline ScriptObject* slotAbove(ScriptBlock* block, const VarPlace& place) {
 // program has come to its end; otherwise the step that is for the evaluator.
 const ExprStep* scriptRunNumberSteps(const ExprStep* step, ScriptBlock* block, EvalValue** top);
 
-// Runs a program of one such step, the commonest of all. False, with nothing
-// done, when the program is any other.
-bool scriptRunNumberStep(const ScriptExpression* expression, ScriptBlock* block, double* result);
+// Runs a program of such steps alone, if it is a single one or changes nothing:
+// the commonest of all. False, with nothing done, when the program is any other.
+bool scriptRunNumbers(const ScriptExpression* expression, ScriptBlock* block, double* result);
