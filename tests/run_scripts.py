@@ -32,7 +32,8 @@ standard input. `plaincast parse` is a script that must pass --parse, and
 Each test runs in a folder of its own that holds a copy of its group, with a
 registry file of its own. What two runs or two systems must not share is masked
 before the comparison: the log's times, source file and line of a location
-record, the program's path ({program}), and the path of the test's folder, with
+record, the number of a thread, the program's path ({program}), and the path of the
+test's folder, with
 `/` for all separators of the names behind it ({dir}/...).
 """
 
@@ -198,6 +199,7 @@ def mask(text, folder, program):
     text = mask_path(text, program, b"{program}")
     text = mask_times(text)
     text = re.sub(rb"(?:c/library/source|programs)/[\w/.-]+\.(?:cpp|h)\b", b"{source}", text)
+    text = re.sub(rb"(\b[Tt]hread |handle of:)\d+", rb"\1{thread}", text)
     return re.sub(rb"(\{source\}\"?,? +line )\d+", rb"\1{line}", text)
 
 
