@@ -81,8 +81,7 @@ bool SourceReader::processLine(SourceStatement* statement) {
         logLocation(engine_->logger, kLogError);
         return false;
     }
-    const std::string_view rest =
-        blank == std::string_view::npos ? std::string_view() : text.substr(blank + 1);
+    const std::string_view rest = text.substr(blank < text.size() ? blank + 1 : text.size());
     if (!scriptEngineParseArgs(engine_, rest, &tokens_, &statement->args)) return false;
     traceStatement(engine_, *statement);
     return true;
