@@ -89,13 +89,17 @@ bool hasPreviousIf(ScriptEngine* engine, ScriptBlock* block, const char* name) {
 class LoopArgument {
   public:
     LoopArgument(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, uint32_t index)
-        : engine_(engine), block_(block) {
-        object_ = scriptBlockSearchPlace(block, &args->items[index], nullptr);
+        : engine_(engine), block_(block), arg_(&args->items[index]) {
+        object_ = scriptBlockSearchPlace(block, arg_, nullptr);
         if (object_ == nullptr) logError(engine->logger, "Invalid first parameter");
     }
     bool present() const { return object_ != nullptr; }
     ScriptTruth truth() const {
-        if (object_->type != kTypeExpr) return scriptObjectGetBool(engine_, object_, block_);
+        if (object_->type != kTypeExpr) {
+            // Looked up anew: what was the template's may have become the block's own.
+            const ScriptObject* object = scriptBlockSearchPlace(block_, arg_, nullptr);
+            return scriptObjectGetBool(engine_, object, block_);
+        }
         double number;
         if (scriptRunNumbers(object_->expression, block_, &number))
             return number == 0 ? kFalse : kTrue;
@@ -111,6 +115,7 @@ class LoopArgument {
   private:
     ScriptEngine* engine_;
     ScriptBlock* block_;
+    ScriptArg* arg_;
     ScriptObject* object_;
 };
 
