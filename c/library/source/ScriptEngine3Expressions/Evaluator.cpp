@@ -171,13 +171,18 @@ bool Evaluation::ofStrings(const ExprStep& step, EvalValue& left, EvalValue righ
     const bool chains = isMade(left) && (step.op == kOpConcat || step.op == kOpPlus);
     if ((!assigns && !chains) || left.object->isShared() || left.object == right.object)
         return false;
+    const uint32_t before = left.object->string.length;
     const double* number = numberIn(right);
     if (number != nullptr) {
         if (!stringAppendDouble(&left.object->string, *number)) return false;
     } else if (!twoStrings || !stringAppend(&left.object->string, &right.object->string)) {
         return false;
     }
-    if (assigns) return copyOf(left.object, step.isLast, result);
+    if (assigns) {
+        if (copyOf(left.object, step.isLast, result)) return true;
+        stringSetLength(&left.object->string, before);
+        return false;
+    }
     *result = left;
     left.object = nullptr;
     return true;
