@@ -1,4 +1,5 @@
 # plaincast_test(NAME ROOM...), in alphabetical order of the names.
+plaincast_test(ArgumentsTest ScriptEngine3)
 plaincast_test(BasicFileTest files)
 plaincast_test(BasicStreamTest streams)
 plaincast_test(BuiltInVariablesTest ScriptEngine3)
@@ -17,6 +18,7 @@ plaincast_test(PoolTest containers)
 plaincast_test(RbTreeTest containers)
 plaincast_test(RegistryTest registry)
 plaincast_test(ScriptObjectTest ScriptEngine3)
+plaincast_test(ScriptBlockTest ScriptEngine3)
 plaincast_test(ScriptMessagesTest ScriptEngine3 logmessages)
 plaincast_test(SetMapTest containers)
 plaincast_test(StringFormatTest strings)
