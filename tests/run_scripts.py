@@ -269,7 +269,7 @@ class Runner:
                 folder.joinpath(name).write_bytes(content)
             private = pathlib.Path(outer).resolve()
             seconds = int(test.head.get("seconds", SECONDS)) * self.arguments.patience
-            # A session of its own, so that what a script started can be ended with it.
+            # A process group of its own, so that what a script started can be ended with it.
             process = subprocess.Popen(self.command(test, folder), cwd=folder,
                                        env=self.environment(private), start_new_session=True,
                                        stdin=subprocess.PIPE, stdout=subprocess.PIPE,

@@ -23,9 +23,9 @@ int osThreadHasEnded(OsThread* thread, bool* ended);
 // Waits until it has, at most `milliseconds` of real time. False when the time is over.
 bool osThreadWait(OsThread* thread, uint32_t milliseconds);
 
-// Ends the thread. Where a thread can be killed, it is: what it held stays as it
-// is. Elsewhere it is asked by `kOsMessageDestroy` and waited for, at most
-// `kOsTerminateWait`; a time-out then is the failure, and the thread goes on.
+// Ends the thread. It is asked by `kOsMessageDestroy` and waited for, at most
+// `kOsTerminateWait`. Then it is killed where threads can be, with what it held
+// left as it is; elsewhere the time-out is the failure, and the thread goes on.
 int osThreadTerminate(OsThread* thread);
 constexpr uint32_t kOsTerminateWait = 1000;
 

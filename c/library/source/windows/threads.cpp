@@ -4,6 +4,8 @@
 
 #include <new>
 
+#include "platform/messages.h"
+
 struct OsThread {
     HANDLE handle;
     DWORD id;
@@ -73,6 +75,10 @@ bool osThreadWait(OsThread* thread, uint32_t milliseconds) {
 
 int osThreadTerminate(OsThread* thread) {
     if (thread == nullptr) return ERROR_INVALID_HANDLE;
+    // A thread that is killed keeps the locks that it holds, those of the system's
+    // libraries too: one that listens ends by itself.
+    PostThreadMessageA(thread->id, kOsMessageDestroy, 0, 0);
+    if (osThreadWait(thread, kOsTerminateWait)) return 0;
     if (!TerminateThread(thread->handle, kKilledCode)) return static_cast<int>(GetLastError());
     // The end is only asked for; what the thread uses must not go before it.
     WaitForSingleObject(thread->handle, kOsTerminateWait);
