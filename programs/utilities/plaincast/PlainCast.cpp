@@ -56,7 +56,7 @@ bool PlainCast::run() {
         logFatal(logger(), "PlainCast::run: Failed to start thread \"%S\"", name);
         return false;
     }
-    updateAnnounced_.wait();
+    awaitUpdate();
     logInfo(logger(), "PlainCast::run: Running");
     if (!quitFlagIsSet()) runScript();
     logVerbose(logger(), "PlainCast::run: Finished executing the script");
@@ -88,10 +88,21 @@ void PlainCast::waitForRunTime() {
     }
 }
 
+void PlainCast::announceUpdate() {
+    const std::lock_guard hold(startOrder_);
+    updateAnnounced_ = true;
+    startChanged_.notify_one();
+}
+
+void PlainCast::awaitUpdate() {
+    std::unique_lock hold(startOrder_);
+    startChanged_.wait(hold, [this] { return updateAnnounced_; });
+}
+
 unsigned PlainCast::update(Thread* thread) {
     auto* program = static_cast<PlainCast*>(thread->data);
     logDebug(program->logger(), "PlainCast::update: Starting");
-    program->updateAnnounced_.count_down();
+    program->announceUpdate();
     while (!quitFlagIsSet()) {
         threadTouch(thread);
         if (threadQuitRequested()) break;

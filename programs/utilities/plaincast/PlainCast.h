@@ -1,6 +1,6 @@
 #pragma once
 
-#include <latch>
+#include <condition_variable>
 #include <map>
 #include <mutex>
 
@@ -60,6 +60,8 @@ class PlainCast {
     void runScript();
     void waitForRunTime();
     bool scriptHasExited() const;
+    void announceUpdate();
+    void awaitUpdate();
     // The body of the update thread.
     static unsigned update(Thread* thread);
 
@@ -75,7 +77,11 @@ class PlainCast {
 
     // Two threads log around the start and the end of the run. These keep their
     // lines in one order, whatever the machine is doing.
-    std::latch updateAnnounced_{1};
+    // No std::latch: MinGW's looks at its count outside of its lock, and sleeps on
+    // when the count falls just then.
+    std::mutex startOrder_;
+    std::condition_variable startChanged_;
+    bool updateAnnounced_ = false;
     std::mutex shutdownOrder_;
 };
 
