@@ -98,6 +98,7 @@ bool ExpressionParser::parse(ScriptExpression* expression) {
     // A parenthesis left open goes along, and fails when the program runs.
     while (!waiting_.empty())
         if (!emit(waiting_.pop())) return false;
+    program_->fit();
     return true;
 }
 

@@ -110,6 +110,7 @@ bool scriptExpressionPrepare(ScriptExpression* expression, const ScriptBlock* bl
         expression->stackDepth = 0;
         return false;
     }
+    expression->steps.fit();
     expression->steps.back().isLast = true;
     expression->isPure = isPure(expression);
     const size_t count = expression->steps.size();

@@ -27,6 +27,10 @@ class GrowArray {
     T pop() { return data_[--size_]; }
     // Makes room for `count` values in all.
     bool reserve(size_t count) { return count <= capacity_ || grow(count); }
+    // Gives back the room that is not used, as far as the allocator goes along.
+    void fit() {
+        if (size_ < capacity_ && size_ != 0) grow(size_);
+    }
     // Cuts to `count` values, which must not exceed the size.
     void truncate(size_t count) { size_ = count; }
     void clear() { size_ = 0; }
