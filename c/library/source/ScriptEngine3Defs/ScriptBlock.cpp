@@ -87,7 +87,7 @@ void workOutPlace(ScriptBlock* block, VarPlace* place) {
     const size_t first = shape->candidates.size();
     size_t count = 0;
     uint32_t depth = 0;
-    for (ScriptBlock* at = block; at != nullptr; at = at->parent, ++depth) {
+    for (ScriptBlock* at = block; at != nullptr; at = at->outer, ++depth) {
         const BlockShape::Slot* slot = at->shape->slots.find(place->id);
         if (slot == nullptr) continue;
         if (count == kMaxCandidates) {
@@ -121,7 +121,7 @@ ScriptObject* searchCandidates(ScriptBlock* block, const VarPlace& place, Script
     ScriptBlock* at = block;
     uint32_t depth = 0;
     for (uint32_t n = 0; n < place.candidateCount; ++n, ++candidate) {
-        for (; depth < candidate->depth; ++depth) at = at->parent;
+        for (; depth < candidate->depth; ++depth) at = at->outer;
         ScriptObject* object = slotOf(at, {candidate->slot, candidate->isLiteral});
         if (object == nullptr) continue;
         if (where != nullptr) *where = at;
@@ -164,6 +164,10 @@ ScriptBlock* scriptBlockInstantiate(ScriptBlock* blockTemplate, ScriptBlock* par
     else if ((block = newInstance(shape)) == nullptr)
         return nullptr;
     block->parent = parent;
+    // Most bodies declare nothing: a search passes them over, however many
+    // stand one inside the other.
+    const bool holdsNames = parent == nullptr || parent->shape->localCount > 0;
+    block->outer = holdsNames || parent->outer == nullptr ? parent : parent->outer;
     block->lastCondition = blockTemplate->lastCondition;
     return block;
 }

@@ -41,6 +41,7 @@ struct ScriptBlock {
     ScriptObject** ownLiterals;    // by slot, null where the template's still serves; or null
     IdMap<ScriptObject*>* extras;  // variables without a slot, or null
     ScriptBlock* parent;           // enclosing scope, not owned
+    ScriptBlock* outer;            // of an instance: the nearest one that can hold names
     ScriptBlock* nextSpare;
     uint32_t generation;  // raised when the instance ends: references into it are dead
     uint32_t localCapacity;
@@ -94,7 +95,7 @@ ScriptObject* scriptBlockSearchPlaceSlow(ScriptBlock* block, VarPlace* place, Sc
 inline ScriptObject* scriptBlockSearchPlace(ScriptBlock* block, VarPlace* place,
                                             ScriptBlock** where) {
     if (place->kind == kPlaceLocal) {
-        for (uint32_t depth = place->depth; depth != 0; --depth) block = block->parent;
+        for (uint32_t depth = place->depth; depth != 0; --depth) block = block->outer;
         if (where != nullptr) *where = block;
         return block->locals[place->slot];
     }

@@ -6,7 +6,7 @@
 
 // One block of the chain in which a name can stand.
 struct VarCandidate {
-    uint32_t depth;  // 0: the block that looks, 1: its parent, ...
+    uint32_t depth;  // 0: the block that looks, 1: the next one out that can hold names, ...
     uint32_t slot;
     bool isLiteral;
 };

@@ -2,6 +2,7 @@
 
 #include "ScriptEngine3Expressions/OperandHelp.h"
 #include "ScriptEngine3Expressions/Operations.h"
+#include "ScriptEngine3Expressions/Power.h"
 #include "logger/StandardOutput.h"
 #include "platform/program.h"
 #include "strings/StringNumbers.h"
@@ -73,8 +74,7 @@ ScriptObject* evaluateAvg(ScriptEngine* engine, ScriptBlock*, ScriptObject* left
 
 ScriptObject* evaluatePow(ScriptEngine* engine, ScriptBlock*, ScriptObject* left,
                           ScriptObject* right) {
-    return ofTwoNumbers(engine, "evaluatePow", left, right,
-                        [](double a, double b) { return std::pow(a, b); });
+    return ofTwoNumbers(engine, "evaluatePow", left, right, evaluatePower);
 }
 
 ScriptObject* evaluateMult(ScriptEngine* engine, ScriptBlock*, ScriptObject* left,

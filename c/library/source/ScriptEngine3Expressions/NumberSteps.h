@@ -90,7 +90,7 @@ inline constexpr uint8_t kPlainOperators[] = {
 }
 
 inline ScriptObject* slotAbove(ScriptBlock* block, const VarPlace& place) {
-    for (uint32_t depth = place.depth; depth != 0; --depth) block = block->parent;
+    for (uint32_t depth = place.depth; depth != 0; --depth) block = block->outer;
     return block->locals[place.slot];
 }
 
