@@ -5,6 +5,7 @@
 #include "ScriptEngine3Functions/DeclareCommands.h"
 #include "ScriptEngine3Functions/LogCommands.h"
 #include "ScriptEngine3Functions/MissingCommands.h"
+#include "ScriptEngine3Functions/StringCommands.h"
 #include "ScriptEngine3Functions/ValueCommands.h"
 
 std::span<const CommandFamily> commandFamilies() {

@@ -1,5 +1,6 @@
 #include "ScriptEngine3Defs/Arguments.h"
 
+#include "ScriptEngine3Defs/ScriptContainers.h"
 #include "ScriptEngine3Defs/ScriptEvaluator.h"
 
 namespace {
@@ -154,6 +155,7 @@ ScriptObject* Arguments::retyped(uint32_t index, ScriptType type) {
     ScriptObject* object = any(index);
     if (object == nullptr || !keepLoansOf(object)) return nullptr;
     if (object->type != type) {
+        if (scriptTypeIsContainer(object->type) && !keepTexts()) return nullptr;
         object = scriptBlockOwnLiteral(block_, object);
         if (object == nullptr || !scriptObjectRetype(object, type)) {
             logError(engine_->logger, "Failed to set parameter %u to \"%S\" type", index + 1,
@@ -203,6 +205,20 @@ bool Arguments::keepLoansOf(ScriptObject* object) {
     if (scriptTemporariesAdd(keeper.release())) return true;
     fail();
     return false;
+}
+
+bool Arguments::keepTexts() {
+    for (uint32_t at = 0; at < loanCount_; ++at) {
+        Loan& loan = loans_[at];
+        if (loan.object == nullptr) continue;
+        ScriptObject* copy = scriptObjectCreateString(stringView(&loan.text));
+        if (copy == nullptr || !scriptTemporariesAdd(copy)) {
+            fail();
+            return false;
+        }
+        loan = {nullptr, copy->string};
+    }
+    return true;
 }
 
 const String* Arguments::lend(const ScriptObject* object) {

@@ -56,6 +56,9 @@ class Arguments {
     ScriptObject* target(uint32_t index, ScriptType type);
     // The same; it is made one of the type.
     ScriptObject* retyped(uint32_t index, ScriptType type);
+    // Before a handler ends elements of a container: a text read so far may be
+    // one of them, seen through a pointer, so each gets a copy. False after a failure.
+    bool keepTexts();
 
   private:
     struct Loan {

@@ -127,28 +127,6 @@ constexpr CommandRow kConfigCommands[] = {
     {"confhave", missing<"confhave">, 2, 2, "1"},
 };
 
-constexpr CommandRow kStringCommands[] = {
-    {"strsplit", missing<"strsplit">, 3, kManyArgs, "3-100"},
-    {"strtovector", missing<"strtovector">, 3, 4, "3"},
-    {"strtolist", missing<"strtolist">, 3, 4, "3"},
-    {"strtoset", missing<"strtoset">, 3, 4, "3"},
-    {"strtomap", missing<"strtomap">, 4, 5, "4"},
-    {"strreplace", missing<"strreplace">, 3, 3, "1"},
-    {"strfind", missing<"strfind">, 3, 5, "1"},
-    {"strfindreverse", missing<"strfindreverse">, 3, 5, "1"},
-    {"strsub", missing<"strsub">, 4, 4, "4"},
-    {"strinsert", missing<"strinsert">, 3, 3, "1"},
-    {"strerase", missing<"strerase">, 3, 3, "1"},
-    {"strpatternmatch", missing<"strpatternmatch">, 2, 3, nullptr},
-    {"strlower", missing<"strlower">, 2, 2, "2"},
-    {"strupper", missing<"strupper">, 2, 2, "2"},
-    {"strtrim", missing<"strtrim">, 2, 2, "2"},
-    {"stralign", missing<"stralign">, 4, 4, "1"},
-    {"strisnumber", missing<"strisnumber">, 1, 1, nullptr},
-    {"strmakelines", missing<"strmakelines">, 2, 3, "1"},
-    {"strdiff", missing<"strdiff">, 4, 4, "4"},
-};
-
 constexpr CommandRow kLockCommands[] = {
     {"setlock", missing<"setlock">, 1, 2, nullptr},
     {"removelock", missing<"removelock">, 1, 1, nullptr},
@@ -294,9 +272,6 @@ std::span<const CommandRow> recordCommands() {
 }
 std::span<const CommandRow> configCommands() {
     return kConfigCommands;
-}
-std::span<const CommandRow> stringCommands() {
-    return kStringCommands;
 }
 std::span<const CommandRow> lockCommands() {
     return kLockCommands;

@@ -19,7 +19,6 @@ std::span<const CommandRow> fileObjectCommands();
 std::span<const CommandRow> parserCommands();
 std::span<const CommandRow> recordCommands();
 std::span<const CommandRow> configCommands();
-std::span<const CommandRow> stringCommands();
 std::span<const CommandRow> lockCommands();
 std::span<const CommandRow> wholeFileCommands();
 std::span<const CommandRow> directoryCommands();
