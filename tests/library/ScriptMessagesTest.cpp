@@ -363,4 +363,49 @@ TEST_F(ScriptMessages, OfOperators) {
             << text;
 }
 
+TEST_F(ScriptMessages, OfCommandsOnTexts) {
+    const std::string one = "Parameter 1 must be a ";
+    const std::string two = "Parameter 2 must be a ";
+    const std::string noTruth = ": Failed to get boolean value of third parameter\n";
+    const Case cases[] = {
+        {"strsplit n \",\" s", one + "\"string\"\n"},
+        {"strsplit \"a,b,\" \",\" s none s", "Parameter 4 is not (properly) defined\n"},
+        {"strtovector s s l", "Parameter 3 must be a \"vector\"\n"},
+        {"strtovector s s w u", "scriptEngineStrToVector" + noTruth},
+        {"strtolist s s l u", "scriptEngineStrErase" + noTruth},
+        {"strtoset s s k u", "scriptEngineStrToSet" + noTruth},
+        {"strtoset s s k", ""},
+        {"strtoset s s m", "Parameter 3 must be a \"set\"\n"},
+        {"strtomap s s s m u",
+         "scriptEngineStrToMap: Failed to get boolean value of fourth parameter\n"},
+        {"strtomap s s s r", "Parameter 4 must be a \"map\"\n"},
+        {"strreplace n s s", one + "\"string\"\n"},
+        {"strfind s s s", two + "\"string\"\n"},
+        {"strfindreverse n s n", "Parameter 3 must be a \"string\"\n"},
+        {"strsub s s 1 s", two + "\"number\"\n"},
+        {"strinsert n s s", two + "\"number\"\n"},
+        {"strerase n 0 1", one + "\"string\"\n"},
+        {"strpatternmatch s s u", "scriptEngineStrErase" + noTruth},
+        {"strpatternmatch s n", two + "\"string\"\n"},
+        {"strupper n s", one + "\"string\"\n"},
+        {"strlower s none", "Parameter 2 is not (properly) defined\n"},
+        {"stralign s \"\" 0 9", "scriptEngineStrAlign: Second parameter has no value\n"},
+        {"stralign s \"-\" \"l\" 9", "Parameter 3 must be a \"number\"\n"},
+        {"strisnumber 5", one + "\"string\"\n"},
+        {"strmakelines s \"9\"", two + "\"number\"\n"},
+        {"strdiff s s s w", "The command \"strdiff\" is missing from this build\n"},
+    };
+    std::string script;
+    size_t number = 0;
+    for (const Case& each : cases)
+        script += "function f" + std::to_string(number++) + "\n" + kVariables + "set k\n" +
+                  each.script + "\nend\n";
+    ASSERT_TRUE(parse(script)) << heard;
+    number = 0;
+    for (const auto& [text, messages] : cases) {
+        EXPECT_EQ(messages, run("f" + std::to_string(number++))) << text;
+        EXPECT_NE("", heard) << text;
+    }
+}
+
 }  // namespace

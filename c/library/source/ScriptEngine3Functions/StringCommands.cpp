@@ -96,7 +96,7 @@ int scriptEngineStrPatternMatch(ScriptEngine* engine, ScriptBlock* block, Script
     const String* text = in.string(0);
     const String* pattern = in.string(1);
     bool ignoreCase = true;
-    const int status = readFlag(
+    const int status = readOptionalFlag(
         engine, block, &in, 2,
         "scriptEngineStrErase: Failed to get boolean value of third parameter", &ignoreCase);
     if (status != kDone) return status;
@@ -157,7 +157,7 @@ int scriptEngineStrMakeLines(ScriptEngine* engine, ScriptBlock* block, ScriptArg
     ScriptObject* target = in.target(0, kTypeString);
     const double width = in.number(1);
     bool breakWords = false;
-    const int status = readFlag(
+    const int status = readOptionalFlag(
         engine, block, &in, 2,
         "scriptEngineStrMakeLines: Failed to get boolean value of third parameter", &breakWords);
     if (status != kDone) return status;

@@ -137,7 +137,7 @@ int scriptEngineStrToMap(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* a
     const String* itemSeparator = in.string(2);
     ScriptObject* target = in.target(3, kTypeMap);
     bool skipEmpty = true;
-    const int status = readFlag(
+    const int status = readOptionalFlag(
         engine, block, &in, 4,
         "scriptEngineStrToMap: Failed to get boolean value of fourth parameter", &skipEmpty);
     if (status != kDone) return status;
