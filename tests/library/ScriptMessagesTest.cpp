@@ -363,7 +363,7 @@ TEST_F(ScriptMessages, OfOperators) {
             << text;
 }
 
-TEST_F(ScriptMessages, OfCommandsOnTexts) {
+TEST_F(ScriptMessages, OfCommandsOnTextsAndTimes) {
     const std::string one = "Parameter 1 must be a ";
     const std::string two = "Parameter 2 must be a ";
     const std::string noTruth = ": Failed to get boolean value of third parameter\n";
@@ -393,6 +393,18 @@ TEST_F(ScriptMessages, OfCommandsOnTexts) {
         {"stralign s \"-\" \"l\" 9", "Parameter 3 must be a \"number\"\n"},
         {"strisnumber 5", one + "\"string\"\n"},
         {"strmakelines s \"9\"", two + "\"number\"\n"},
+        {"time none", "Parameter 1 is not (properly) defined\n"},
+        {"timetostr \"0\" s", one + "\"number\"\n"},
+        {"strtotime 5 n", one + "\"string\"\n"},
+        {"strtotime \"2009-02-29\" n", "scriptEngineStrToTime: Failed to parse string time\n"},
+        {"strtotime \"\" n", "scriptEngineStrToTime: Failed to parse string time\n"},
+        {"localtime s m", one + "\"number\"\n"},
+        {"gmtime 0 none", "Parameter 2 is not (properly) defined\n"},
+        {"maketime l n", one + "\"map\"\n"},
+        {"maketime m n", "scriptEngineMakeTime: Out of memory\n"},
+        {"maketime m m", "scriptEngineMakeTime: Out of memory\n"},
+        {"sleep \"1\"", one + "\"number\"\n"},
+        {"gettick s", one + "\"number\"\n"},
         {"strdiff s s s w", "The command \"strdiff\" is missing from this build\n"},
     };
     std::string script;

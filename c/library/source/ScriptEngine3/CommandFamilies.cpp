@@ -6,6 +6,7 @@
 #include "ScriptEngine3Functions/LogCommands.h"
 #include "ScriptEngine3Functions/MissingCommands.h"
 #include "ScriptEngine3Functions/StringCommands.h"
+#include "ScriptEngine3Functions/TimeCommands.h"
 #include "ScriptEngine3Functions/ValueCommands.h"
 
 std::span<const CommandFamily> commandFamilies() {

@@ -175,13 +175,6 @@ constexpr CommandRow kDirectoryCommands[] = {
     {"findpath", missing<"findpath">, 2, 2, "2"},
 };
 
-constexpr CommandRow kTimeCommands[] = {
-    {"time", missing<"time">, 1, 1, "1", kAnywhere}, {"timetostr", missing<"timetostr">, 2, 2, "2"},
-    {"strtotime", missing<"strtotime">, 2, 2, "2"},  {"localtime", missing<"localtime">, 2, 2, "2"},
-    {"gmtime", missing<"gmtime">, 2, 2, "2"},        {"maketime", missing<"maketime">, 2, 2, "2"},
-    {"sleep", missing<"sleep">, 1, 1, nullptr},      {"gettick", missing<"gettick">, 1, 1, "1"},
-};
-
 constexpr CommandRow kProcessCommands[] = {
     {"exec", missing<"exec">, 5, 6, "4,5", kInBlock, false, kSigned},
     {"pipeexec", missing<"pipeexec">, 7, 7, "4-7", kInBlock, false, kSigned},
@@ -281,9 +274,6 @@ std::span<const CommandRow> wholeFileCommands() {
 }
 std::span<const CommandRow> directoryCommands() {
     return kDirectoryCommands;
-}
-std::span<const CommandRow> timeCommands() {
-    return kTimeCommands;
 }
 std::span<const CommandRow> processCommands() {
     return kProcessCommands;

@@ -22,7 +22,6 @@ std::span<const CommandRow> configCommands();
 std::span<const CommandRow> lockCommands();
 std::span<const CommandRow> wholeFileCommands();
 std::span<const CommandRow> directoryCommands();
-std::span<const CommandRow> timeCommands();
 std::span<const CommandRow> processCommands();
 std::span<const CommandRow> registryCommands();
 std::span<const CommandRow> systemCommands();
