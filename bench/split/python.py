@@ -1,0 +1,11 @@
+def main():
+    text = "some text;"
+    for i in range(20):
+        text += text
+    items = text.split(";")
+    if items[-1] == "":
+        items.pop()
+    print(len(text), len(items), items[777777])
+
+
+main()
