@@ -22,7 +22,6 @@ struct SleepTest : testing::Test {
         osVirtualClock = nullptr;
         quitFlagReset();
     }
-    // The ticks that a sleep takes.
     uint64_t slept(uint32_t milliseconds) {
         const uint64_t before = clock.ticks;
         scriptSleep(milliseconds);
