@@ -1,6 +1,7 @@
 #include "ScriptEngine3Defs/Arguments.h"
 
 #include "ScriptEngine3Defs/ScriptEvaluator.h"
+#include "ScriptEngine3Defs/ScriptExpression.h"
 
 namespace {
 
@@ -111,6 +112,11 @@ ScriptObject* Arguments::fail() {
 
 ScriptObject* Arguments::fetch(uint32_t index, bool followRefs) {
     if (!ok()) return nullptr;
+    if (loanCount_ != 0 && index < count()) {
+        ScriptObject* found = scriptBlockSearchPlace(block_, arg(index), nullptr);
+        if (found != nullptr && followRefs) found = scriptPointerFollow(found);
+        if (!keepLoansFrom(found)) return nullptr;
+    }
     ScriptObject* object =
         scriptEngineGetParam(engine_, block_, args_, index, kTypeUndef, followRefs);
     return object == nullptr ? fail() : object;
@@ -136,7 +142,7 @@ double Arguments::number(uint32_t index) {
 }
 
 const String* Arguments::string(uint32_t index) {
-    const ScriptObject* object = typed(index, kTypeString);
+    ScriptObject* object = typed(index, kTypeString);
     return object == nullptr ? nullptr : lend(object);
 }
 
@@ -181,6 +187,14 @@ bool Arguments::isTarget(const ScriptObject* object) const {
     return targetCount_ == kTargets;
 }
 
+bool Arguments::keepLoansFrom(const ScriptObject* argument) {
+    if (argument == nullptr || argument->type != kTypeExpr || !argument->expression->writes)
+        return true;
+    for (uint32_t at = 0; at < loanCount_; ++at)
+        if (loans_[at].object != nullptr && !keepLoansOf(loans_[at].object)) return false;
+    return true;
+}
+
 // The bytes lent out go to an object that nobody writes to, and the object
 // itself goes on with a copy.
 bool Arguments::keepLoansOf(ScriptObject* object) {
@@ -205,7 +219,7 @@ bool Arguments::keepLoansOf(ScriptObject* object) {
     return false;
 }
 
-const String* Arguments::lend(const ScriptObject* object) {
+const String* Arguments::lend(ScriptObject* object) {
     if (loanCount_ == kLoans || isTarget(object)) return lendCopy(object);
     loans_[loanCount_] = {object, object->string};
     return &loans_[loanCount_++].text;
