@@ -16,7 +16,7 @@ import time
 
 HERE = pathlib.Path(__file__).resolve().parent
 WORK = HERE.parent / "build" / "bench"
-WORKLOADS = ("empty", "loop", "calls", "string", "expression")
+WORKLOADS = ("empty", "loop", "calls", "string", "expression", "vector", "map", "set", "tree")
 RUNS_OF_EMPTY = 40
 PARSED_FUNCTIONS = 5000     # of 20 lines each
 
