@@ -16,7 +16,8 @@ import time
 
 HERE = pathlib.Path(__file__).resolve().parent
 WORK = HERE.parent / "build" / "bench"
-WORKLOADS = ("empty", "loop", "calls", "string", "expression", "split", "replace")
+WORKLOADS = ("empty", "loop", "calls", "string", "expression", "split", "replace", "vector", "map",
+             "set", "tree")
 RUNS_OF_EMPTY = 40
 PARSED_FUNCTIONS = 5000     # of 20 lines each
 

@@ -3,11 +3,16 @@
 #include "ScriptEngine3/FlowCommands.h"
 #include "ScriptEngine3Functions/ConsoleCommands.h"
 #include "ScriptEngine3Functions/DeclareCommands.h"
+#include "ScriptEngine3Functions/ListCommands.h"
 #include "ScriptEngine3Functions/LogCommands.h"
+#include "ScriptEngine3Functions/MapCommands.h"
 #include "ScriptEngine3Functions/MissingCommands.h"
+#include "ScriptEngine3Functions/SetCommands.h"
 #include "ScriptEngine3Functions/StringCommands.h"
 #include "ScriptEngine3Functions/TimeCommands.h"
+#include "ScriptEngine3Functions/TreeCommands.h"
 #include "ScriptEngine3Functions/ValueCommands.h"
+#include "ScriptEngine3Functions/VectorCommands.h"
 
 std::span<const CommandFamily> commandFamilies() {
     static const CommandFamily families[] = {

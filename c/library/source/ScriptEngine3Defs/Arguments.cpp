@@ -2,6 +2,7 @@
 
 #include "ScriptEngine3Defs/ScriptContainers.h"
 #include "ScriptEngine3Defs/ScriptEvaluator.h"
+#include "ScriptEngine3Defs/ScriptExpression.h"
 
 namespace {
 
@@ -112,6 +113,11 @@ ScriptObject* Arguments::fail() {
 
 ScriptObject* Arguments::fetch(uint32_t index, bool followRefs) {
     if (!ok()) return nullptr;
+    if (loanCount_ != 0 && index < count()) {
+        ScriptObject* found = scriptBlockSearchPlace(block_, arg(index), nullptr);
+        if (found != nullptr && followRefs) found = scriptPointerFollow(found);
+        if (!keepLoansFrom(found)) return nullptr;
+    }
     ScriptObject* object =
         scriptEngineGetParam(engine_, block_, args_, index, kTypeUndef, followRefs);
     return object == nullptr ? fail() : object;
@@ -137,7 +143,7 @@ double Arguments::number(uint32_t index) {
 }
 
 const String* Arguments::string(uint32_t index) {
-    const ScriptObject* object = typed(index, kTypeString);
+    ScriptObject* object = typed(index, kTypeString);
     return object == nullptr ? nullptr : lend(object);
 }
 
@@ -183,6 +189,14 @@ bool Arguments::isTarget(const ScriptObject* object) const {
     return targetCount_ == kTargets;
 }
 
+bool Arguments::keepLoansFrom(const ScriptObject* argument) {
+    if (argument == nullptr || argument->type != kTypeExpr || !argument->expression->writes)
+        return true;
+    for (uint32_t at = 0; at < loanCount_; ++at)
+        if (loans_[at].object != nullptr && !keepLoansOf(loans_[at].object)) return false;
+    return true;
+}
+
 // The bytes lent out go to an object that nobody writes to, and the object
 // itself goes on with a copy.
 bool Arguments::keepLoansOf(ScriptObject* object) {
@@ -221,7 +235,7 @@ bool Arguments::keepTexts() {
     return true;
 }
 
-const String* Arguments::lend(const ScriptObject* object) {
+const String* Arguments::lend(ScriptObject* object) {
     if (loanCount_ == kLoans || isTarget(object)) return lendCopy(object);
     loans_[loanCount_] = {object, object->string};
     return &loans_[loanCount_++].text;

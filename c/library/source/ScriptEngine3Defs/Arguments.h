@@ -60,24 +60,30 @@ class Arguments {
     // one of them, seen through a pointer, so each gets a copy. False after a failure.
     bool keepTexts();
 
+  protected:
+    ScriptObject* fail();
+    // Before an argument is evaluated: keeps what was lent out readable if that
+    // can write to variables. False after a failure.
+    bool keepLoansFrom(const ScriptObject* argument);
+
+    ScriptEngine* engine_;
+    ScriptBlock* block_;
+
   private:
     struct Loan {
-        const ScriptObject* object;
+        ScriptObject* object;
         String text;  // a view: the bytes stay the object's
     };
     static constexpr uint32_t kLoans = 8;
     static constexpr uint32_t kTargets = 8;
 
-    ScriptObject* fail();
     ScriptObject* fetch(uint32_t index, bool followRefs);
     ScriptObject* writable(uint32_t index, ScriptObject* object);
     bool keepLoansOf(ScriptObject* object);
     bool isTarget(const ScriptObject* object) const;
-    const String* lend(const ScriptObject* object);
+    const String* lend(ScriptObject* object);
     const String* lendCopy(const ScriptObject* object);
 
-    ScriptEngine* engine_;
-    ScriptBlock* block_;
     ScriptArgs* args_;
     int status_;
     uint32_t loanCount_ = 0;

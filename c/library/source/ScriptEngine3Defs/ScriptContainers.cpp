@@ -67,32 +67,10 @@ PathTreeNode* cloneTreeNode(PathTreeNode* parent, const PathTreeNode* from) {
     return nullptr;
 }
 
-// Copies what hangs below the root. The walk goes down and up by the nodes'
-// own links: a tree may be deeper than the stack.
-bool cloneTreeBelow(PathTreeNode* to, const PathTreeNode* from) {
-    const PathTreeNode* top = from;
-    const PathTreeNode* next = pathTreeNodeFirst(from);
-    while (next != nullptr) {
-        PathTreeNode* made = cloneTreeNode(to, next);
-        if (made == nullptr) return false;
-        if (pathTreeNodeFirst(next) != nullptr) {
-            next = pathTreeNodeFirst(next);
-            to = made;
-            continue;
-        }
-        while (next != top && pathTreeNodeNext(next) == nullptr) {
-            next = next->parent;
-            if (next != top) to = to->parent;
-        }
-        next = next == top ? nullptr : pathTreeNodeNext(next);
-    }
-    return true;
-}
-
 // A root normally has no value, and then the whole copy fails at once.
 bool copyTree(PathTree* to, const PathTree* from) {
     if (from == nullptr || from->root->value == nullptr) return false;
-    return cloneTreeValue(to->root, from->root) && cloneTreeBelow(to->root, from->root);
+    return cloneTreeValue(to->root, from->root) && scriptTreeCopyBelow(to->root, from->root);
 }
 
 void clearElements(ScriptObject* object, DestroyFunction destroy) {
@@ -144,7 +122,7 @@ bool moveElements(ScriptObject* target, ScriptObject* copy) {
 bool scriptContainerCreate(ScriptObject* object, ScriptType type) {
     switch (type) {
         case kTypeList:
-            object->list = {listCreate(), nullptr, 0};
+            object->list = {listCreate(), nullptr, kListNoWalk};
             return object->list.list != nullptr;
         case kTypeVector:
             object->vector = {vectorCreate(), 0, 0, 0};
@@ -226,6 +204,28 @@ bool scriptContainerAssign(ScriptObject* target, const ScriptObject* source) {
 
 bool scriptTreeCanClone(const ScriptObject* object) {
     return object->tree != nullptr && object->tree->root->value != nullptr;
+}
+
+// The walk goes down and up by the nodes' own links: a tree may be deeper than
+// the stack.
+bool scriptTreeCopyBelow(PathTreeNode* to, const PathTreeNode* from) {
+    const PathTreeNode* top = from;
+    const PathTreeNode* next = pathTreeNodeFirst(from);
+    while (next != nullptr) {
+        PathTreeNode* made = cloneTreeNode(to, next);
+        if (made == nullptr) return false;
+        if (pathTreeNodeFirst(next) != nullptr) {
+            next = pathTreeNodeFirst(next);
+            to = made;
+            continue;
+        }
+        while (next != top && pathTreeNodeNext(next) == nullptr) {
+            next = next->parent;
+            if (next != top) to = to->parent;
+        }
+        next = next == top ? nullptr : pathTreeNodeNext(next);
+    }
+    return true;
 }
 
 uint32_t scriptContainerCount(const ScriptObject* object) {

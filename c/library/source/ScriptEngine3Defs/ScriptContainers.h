@@ -6,6 +6,8 @@
 #include "containers/Set.h"
 #include "containers/Vector.h"
 
+struct PathTreeNode;
+
 // The payloads of the container types, for the operations on objects.
 
 constexpr bool scriptTypeIsContainer(ScriptType type) {
@@ -28,6 +30,11 @@ bool scriptContainerAssign(ScriptObject* target, const ScriptObject* source);
 
 // True when copying the tree gives a tree: its root needs a value.
 bool scriptTreeCanClone(const ScriptObject* object);
+
+// Gives `to`, which has no children, copies of all that hangs below `from`,
+// with their values. False when a value has no copy or memory runs out; what
+// was copied until then stays.
+bool scriptTreeCopyBelow(PathTreeNode* to, const PathTreeNode* from);
 
 // Number of elements; of a tree the nodes below the root.
 uint32_t scriptContainerCount(const ScriptObject* object);

@@ -65,6 +65,7 @@ struct ScriptExpression {
     const ExprStep* single = nullptr;  // the first step of a program that does one thing
     bool isPure = false;               // changes nothing and is short: it may be begun again
     uint32_t stackDepth = 0;           // the most values on the stack, 0 before the first run
+    bool writes = false;               // has an operation that changes a variable
 };
 
 // An empty program; null when memory runs out. Ends with `scriptExpressionDestroy`.

@@ -32,6 +32,15 @@ enum ScriptObjectFlags : uint8_t {
     kObjectMade = 4,
 };
 
+// How far the walk through a list has come.
+enum ListWalk : uint64_t {
+    kListNoWalk,       // never begun
+    kListOnElement,    // the cursor stands on the element that was delivered last
+    kListOnNext,       // it stands on the one to deliver next
+    kListAtEnd,        // the walk ran off the end: no cursor
+    kListErasedToEnd,  // the element erased last was the last one: no cursor
+};
+
 // One script value. The payload slots lie inside the record, a number and the
 // record of a string too, so that a value is one piece of a pool. `values` of
 // the plain layout is the union; it is empty exactly when the type is undef.
@@ -48,7 +57,7 @@ struct ScriptObject {
     struct ListValue {
         List* list;
         ListIterator* cursor;  // owned, null without one
-        uint64_t onNext;       // 1: the cursor already stands on the next element
+        uint64_t walk;         // a `ListWalk`
     };
     struct VectorValue {
         Vector* vector;

@@ -84,7 +84,9 @@ bool TextMaker::append(const ScriptObject* object) {
 
 bool TextMaker::appendExpression(const ScriptObject* object) {
     if (scope_ == nullptr) return false;
-    Owned<ScriptObject> value(scriptEvaluateToObject(engine_, scope_, object->expression));
+    ScriptBlock* scope = scope_;
+    scope_ = nullptr;
+    Owned<ScriptObject> value(scriptEvaluateToObject(engine_, scope, object->expression));
     return value && append(value.get());
 }
 
@@ -152,7 +154,9 @@ bool scriptObjectAppendString(ScriptEngine* engine, const ScriptObject* object, 
                               ScriptBlock* scope) {
     if (object == nullptr || out == nullptr) return false;
     const uint32_t before = out->length;
-    TextMaker maker(engine, scope, out);
+    // The scope is that of an expression itself: one that a container or a
+    // pointer leads to has none.
+    TextMaker maker(engine, object->type == kTypeExpr ? scope : nullptr, out);
     if (maker.append(object) && !maker.tripped()) return true;
     stringSetLength(out, before);
     return false;
@@ -168,8 +172,10 @@ String* scriptObjectGetString(ScriptEngine* engine, const ScriptObject* object,
 ScriptTruth scriptObjectGetBool(ScriptEngine* engine, const ScriptObject* object,
                                 ScriptBlock* scope) {
     if (object == nullptr) return kNoTruth;
-    if (object->type == kTypePointer)
+    if (object->type == kTypePointer) {
         object = scriptPointerFollow(const_cast<ScriptObject*>(object));
+        scope = nullptr;
+    }
     if (object == nullptr) return kNoTruth;
     switch (object->type) {
         case kTypeExpr:

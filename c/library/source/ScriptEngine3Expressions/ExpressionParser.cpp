@@ -98,6 +98,8 @@ bool ExpressionParser::parse(ScriptExpression* expression) {
     // A parenthesis left open goes along, and fails when the program runs.
     while (!waiting_.empty())
         if (!emit(waiting_.pop())) return false;
+    for (const ExprToken& part : expression->tokens)
+        expression->writes |= scriptOperatorWrites(part.op);
     program_->fit();
     return true;
 }

@@ -75,5 +75,10 @@ struct OperatorRow {
 // The row of an op code from 1 below `kOpCount`.
 const OperatorRow& scriptOperatorRow(uint32_t op);
 
+// Whether the operation changes a variable.
+constexpr bool scriptOperatorWrites(uint32_t op) {
+    return op == kOpIncr || op == kOpDecr || (op >= kOpAssign && op < kOpCount);
+}
+
 // The op code of a token, or 0.
 uint32_t scriptOperatorFromToken(std::string_view token);

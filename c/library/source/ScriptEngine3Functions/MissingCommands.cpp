@@ -24,66 +24,6 @@ int missing(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
     return scriptEngineMissingCommand(engine, kName.text);
 }
 
-constexpr CommandRow kVectorCommands[] = {
-    {"vecappend", missing<"vecappend">, 2, kManyArgs, "1"},
-    {"vecinsert", missing<"vecinsert">, 3, 3, "1"},
-    {"vecset", missing<"vecset">, 3, 3, "1"},
-    {"vecerase", missing<"vecerase">, 2, 3, "1"},
-    {"vecget", missing<"vecget">, 3, 3, "1,3"},
-    {"vecgetfirst", missing<"vecgetfirst">, 2, 2, "1,2"},
-    {"vecgetlast", missing<"vecgetlast">, 2, 2, "1,2"},
-    {"vecgetnext", missing<"vecgetnext">, 2, 2, "1,2"},
-    {"vecsetcur", missing<"vecsetcur">, 2, 2, "1"},
-    {"vecclear", missing<"vecclear">, 1, 1, "1"},
-};
-
-constexpr CommandRow kListCommands[] = {
-    {"listappend", missing<"listappend">, 2, kManyArgs, "1"},
-    {"listpush", missing<"listpush">, 2, kManyArgs, "1"},
-    {"listinsert", missing<"listinsert">, 2, 2, "1"},
-    {"listerase", missing<"listerase">, 1, 1, "1"},
-    {"listgetfirst", missing<"listgetfirst">, 2, 2, "1,2"},
-    {"listgetlast", missing<"listgetlast">, 2, 2, "1,2"},
-    {"listgetnext", missing<"listgetnext">, 2, 2, "1,2"},
-    {"listsetcur", missing<"listsetcur">, 2, 2, "1"},
-    {"listclear", missing<"listclear">, 1, 1, "1"},
-};
-
-constexpr CommandRow kSetCommands[] = {
-    {"setinsert", missing<"setinsert">, 2, kManyArgs, "1"},
-    {"seterase", missing<"seterase">, 2, 2, "1"},
-    {"sethaveelement", missing<"sethaveelement">, 2, 2, "1"},
-    {"setgetfirst", missing<"setgetfirst">, 2, 2, "1,2"},
-    {"setgetlast", missing<"setgetlast">, 2, 2, "1,2"},
-    {"setgetnext", missing<"setgetnext">, 2, 2, "1,2"},
-    {"setclear", missing<"setclear">, 1, 1, "1"},
-};
-
-constexpr CommandRow kMapCommands[] = {
-    {"mapinsert", missing<"mapinsert">, 3, 3, "1"},
-    {"mapset", missing<"mapset">, 3, 3, "1"},
-    {"maperase", missing<"maperase">, 2, 2, "1"},
-    {"maphaveelement", missing<"maphaveelement">, 2, 2, "1"},
-    {"mapget", missing<"mapget">, 3, 3, "1,3"},
-    {"mapgetfirst", missing<"mapgetfirst">, 3, 3, "1-3"},
-    {"mapgetlast", missing<"mapgetlast">, 3, 3, "1-3"},
-    {"mapgetnext", missing<"mapgetnext">, 3, 3, "1-3"},
-    {"mapsetcur", missing<"mapsetcur">, 2, 2, "1"},
-    {"mapclear", missing<"mapclear">, 1, 1, "1"},
-};
-
-constexpr CommandRow kTreeCommands[] = {
-    {"treeaddnode", missing<"treeaddnode">, 3, 3, "1"},
-    {"treeset", missing<"treeset">, 3, 3, "1"},
-    {"treecopynode", missing<"treecopynode">, 4, 4, "1,2"},
-    {"treeerase", missing<"treeerase">, 2, 2, "1"},
-    {"treehaveelement", missing<"treehaveelement">, 2, 2, "1"},
-    {"treehavesub", missing<"treehavesub">, 2, 2, "1"},
-    {"treeget", missing<"treeget">, 3, 3, "1,3"},
-    {"treegetsub", missing<"treegetsub">, 3, 3, "1,3"},
-    {"treeclear", missing<"treeclear">, 1, 1, "1"},
-};
-
 constexpr CommandRow kFileObjectCommands[] = {
     {"fileopen", missing<"fileopen">, 3, 3, "1"},
     {"fileclose", missing<"fileclose">, 1, 1, "1"},
@@ -239,21 +179,6 @@ int scriptEngineMissingCommand(ScriptEngine* engine, const char* name) {
     return kError;
 }
 
-std::span<const CommandRow> vectorCommands() {
-    return kVectorCommands;
-}
-std::span<const CommandRow> listCommands() {
-    return kListCommands;
-}
-std::span<const CommandRow> setCommands() {
-    return kSetCommands;
-}
-std::span<const CommandRow> mapCommands() {
-    return kMapCommands;
-}
-std::span<const CommandRow> treeCommands() {
-    return kTreeCommands;
-}
 std::span<const CommandRow> fileObjectCommands() {
     return kFileObjectCommands;
 }

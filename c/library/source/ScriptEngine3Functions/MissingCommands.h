@@ -10,11 +10,6 @@
 // Logs that the command is missing from this build; gives the status for it.
 int scriptEngineMissingCommand(ScriptEngine* engine, const char* name);
 
-std::span<const CommandRow> vectorCommands();
-std::span<const CommandRow> listCommands();
-std::span<const CommandRow> setCommands();
-std::span<const CommandRow> mapCommands();
-std::span<const CommandRow> treeCommands();
 std::span<const CommandRow> fileObjectCommands();
 std::span<const CommandRow> parserCommands();
 std::span<const CommandRow> recordCommands();

@@ -63,12 +63,16 @@ bool setContains(const Set* set, const void* value) {
 
 bool setEraseValue(Set* set, const void* value, DestroyFunction destroy) {
     RbNode* node = rbTreeFindNode(treeOf(set), value);
-    if (node == nullptr) return false;
+    setEraseNode(set, node, destroy);
+    return node != nullptr;
+}
+
+void setEraseNode(Set* set, RbNode* node, DestroyFunction destroy) {
+    if (set == nullptr || node == nullptr) return;
     void* element = node->data;
     rbTreeEraseNode(&set->tree, node);
     refreshCount(set);
     if (destroy != nullptr) destroy(&element);
-    return true;
 }
 
 SetIterator* setIterFirst(Set* set) {

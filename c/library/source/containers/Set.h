@@ -42,6 +42,9 @@ bool setContains(const Set* set, const void* value);
 // given; false when there was none.
 bool setEraseValue(Set* set, const void* value, DestroyFunction destroy);
 
+// Takes the element of a node out, with the warning of `rbTreeEraseNode`.
+void setEraseNode(Set* set, RbNode* node, DestroyFunction destroy);
+
 inline uint32_t setCount(const Set* set) {
     return set == nullptr ? 0 : set->count;
 }

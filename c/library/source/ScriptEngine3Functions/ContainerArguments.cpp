@@ -1,0 +1,97 @@
+#include "ScriptEngine3Functions/ContainerArguments.h"
+
+#include "ScriptEngine3Defs/ScriptEvaluator.h"
+#include "strings/StringNumbers.h"
+
+ContainerArguments::ContainerArguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
+                                       ScriptType type)
+    : Arguments(engine, block, args), type_(type), container_(target(0, type)) {
+    if (container_ != nullptr) generation_ = container_->generation;
+}
+
+bool ContainerArguments::hasContainer() const {
+    return container_ != nullptr && container_->generation == generation_ &&
+           container_->type == type_;
+}
+
+ScriptObject* ContainerArguments::container() {
+    if (!ok()) return nullptr;
+    if (hasContainer()) return container_;
+    scriptEngineRequireType(engine_, nullptr, type_, 0);
+    return fail();
+}
+
+ScriptObject* ContainerArguments::copyOf(uint32_t index, bool followRefs) {
+    if (!ok()) return nullptr;
+    ScriptBlock* where = nullptr;
+    ScriptObject* object = scriptBlockSearchPlace(block_, arg(index), &where);
+    if (object == nullptr || object->type != kTypeExpr)
+        return scriptObjectClone(followRefs ? any(index) : unfollowed(index));
+    if (!keepLoansFrom(object)) return nullptr;
+    Owned<ScriptObject> made(scriptEvaluateToObject(engine_, where, object->expression));
+    if (!made) {
+        logError(engine_->logger, "Parameter %u is not (properly) defined", index + 1);
+        return fail();
+    }
+    // What nobody else has needs no copy.
+    if (made->type != kTypeNumber && made->type != kTypeString)
+        return scriptObjectClone(made.get());
+    made->flags = 0;
+    return made.release();
+}
+
+ScriptObject* ContainerArguments::raw(uint32_t index) {
+    if (!ok()) return nullptr;
+    return scriptObjectClone(scriptBlockSearchPlace(block_, arg(index), nullptr));
+}
+
+uint32_t ContainerArguments::index(uint32_t index) {
+    return numberToUInt32(number(index));
+}
+
+const ScriptObject* ContainerArguments::optional(uint32_t index) {
+    if (!ok() || index >= count()) return nullptr;
+    ScriptBlock* where = nullptr;
+    ScriptObject* object = scriptBlockSearchPlace(block_, arg(index), &where);
+    if (object != nullptr) object = scriptPointerFollow(object);
+    if (object == nullptr || object->type != kTypeExpr) return object;
+    object = scriptEvaluateToObject(engine_, where, object->expression);
+    return object != nullptr && scriptTemporariesAdd(object) ? object : nullptr;
+}
+
+ScriptObject* ContainerArguments::unfollowedTarget(uint32_t index) {
+    if (!ok()) return nullptr;
+    ScriptObject* object = scriptBlockSearchPlace(block_, arg(index), nullptr);
+    return object != nullptr && object->type == kTypePointer ? object : target(index);
+}
+
+bool ContainerArguments::assignInWalk(ScriptObject* target, ScriptObject* element) {
+    if (target->type != kTypePointer || scriptPointerTarget(target) != nullptr)
+        return scriptObjectAssign(engine_, target, element);
+    scriptPointerAim(target, nullptr, nullptr);
+    if (!scriptObjectAssign(engine_, target, element)) return false;
+    scriptPointerAim(target, scriptPointerTarget(target), block_);
+    return true;
+}
+
+int commandError(ScriptEngine* engine, const char* message, uint32_t number) {
+    logError(engine->logger, message, number);
+    return kError;
+}
+
+int commandOutOfMemory(ScriptEngine* engine, const char* name, std::source_location where) {
+    logError(engine->logger, "%s: #::100", name);
+    logLocation(engine->logger, kLogError, where);
+    return kOutOfMemory;
+}
+
+bool containerAdd(ScriptObject* container, ScriptObject* value) {
+    switch (container->type) {
+        case kTypeVector:
+            return vectorAppend(container->vector.vector, value);
+        case kTypeList:
+            return listPushBack(container->list.list, value);
+        default:
+            return setInsert(container->set.set, value);
+    }
+}

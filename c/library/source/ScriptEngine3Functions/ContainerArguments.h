@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+#include <source_location>
+
+#include "ScriptEngine3Defs/Arguments.h"
+#include "ScriptEngine3Defs/ScriptContainers.h"
+
+// What the commands of the vector, list, set, map and tree families share.
+
+// The arguments of a command whose first one is a container. A script can do
+// anything while a later argument is evaluated, also give the container another
+// type or end it together with what holds it; and an assignment to a target can.
+// So a handler asks for the container last, and again after each of these.
+class ContainerArguments : public Arguments {
+  public:
+    // Fetches the first argument, which must have the type.
+    ContainerArguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, ScriptType type);
+
+    // The container; null, with a failure reported, when it is gone.
+    ScriptObject* container();
+    // Whether `container` would give it, without a report.
+    bool hasContainer() const;
+
+    // A copy of a value for the container, owned by the caller. Null without a
+    // failure of the arguments when the value has no copy, as undef has none.
+    // An expression is evaluated, a pointer stays one.
+    ScriptObject* fetched(uint32_t index) { return copyOf(index, false); }
+    // The same with pointers followed.
+    ScriptObject* followed(uint32_t index) { return copyOf(index, true); }
+    // The same, but what stands there is taken as it is: an expression stays one.
+    ScriptObject* raw(uint32_t index);
+
+    // A number as an index: what is negative or has no 32 bits is a large one.
+    uint32_t index(uint32_t index);
+    // A value that may be missing: null without a report when there is none.
+    const ScriptObject* optional(uint32_t index);
+    // A target that stays itself when it is a pointer.
+    ScriptObject* unfollowedTarget(uint32_t index);
+    // Assigns an element of a vector to such a target. A pointer that refers to
+    // nothing, or to nothing any more, is aimed at the element as it is seen
+    // from this block.
+    bool assignInWalk(ScriptObject* target, ScriptObject* element);
+
+  private:
+    ScriptObject* copyOf(uint32_t index, bool followRefs);
+
+    ScriptType type_;
+    ScriptObject* container_;
+    uint32_t generation_ = 0;
+};
+
+// Reports, with "%u" or "%i" for `number` where it has one; gives `kError`.
+int commandError(ScriptEngine* engine, const char* message, uint32_t number = 0);
+// Reports that memory ran out in the command of this name; gives `kOutOfMemory`.
+int commandOutOfMemory(ScriptEngine* engine, const char* name,
+                       std::source_location where = std::source_location::current());
+
+// Adds a value, which the list, vector or set owns from then on; false when
+// memory runs out, and the value stays the caller's.
+bool containerAdd(ScriptObject* container, ScriptObject* value);
