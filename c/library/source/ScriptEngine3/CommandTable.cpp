@@ -7,7 +7,7 @@ namespace {
 // Walks the numbers of a target list: "1,3" or "1-100".
 class TargetNumbers {
   public:
-    explicit TargetNumbers(const char* spec) : at_(spec) {}
+    explicit TargetNumbers(const char* numbers) : at_(numbers) {}
 
     bool next(uint32_t* number) {
         if (current_ < last_) {

@@ -4,7 +4,7 @@
 
 #include "ScriptEngine3Defs/CommandDef.h"
 
-// Commands whose families are not built yet. They are registered with their
+// Commands that this build does without. They are registered with their
 // rules, so that a script that uses them parses; when one runs it fails.
 
 // Logs that the command is missing from this build; gives the status for it.
