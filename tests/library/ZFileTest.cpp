@@ -63,7 +63,7 @@ TEST_F(ZFileTest, WritesWhatItReadsBack) {
     EXPECT_EQ(kFileWrongMode, zfileWriteVal(file.get(), "x", 1));
     std::string back;
     while (zfileRead(file.get(), out.get(), 4096) == kFileDone) {
-        EXPECT_EQ(0, out->data[out->length]);
+        EXPECT_EQ(0, stringText(out.get())[out->length]);
         back += stringView(out.get());
     }
     EXPECT_EQ(content, back);

@@ -45,7 +45,7 @@ bool SourceReader::readLine() {
             return false;
         }
         stringTrim(&line_);
-        if (!stringIsEmpty(&line_) && line_.data[0] != kComment) return cutComment();
+        if (!stringIsEmpty(&line_) && stringBytes(&line_)[0] != kComment) return cutComment();
     }
     return false;
 }
@@ -55,7 +55,7 @@ bool SourceReader::readLine() {
 bool SourceReader::cutComment() {
     bool inString = false;
     for (uint32_t at = 1; at < line_.length; ++at) {
-        const char c = line_.data[at];
+        const char c = stringBytes(&line_)[at];
         if (c == '\\') {
             ++at;
         } else if (c == '"') {

@@ -101,11 +101,6 @@ String* scriptEngineGetVarString(ScriptEngine* engine, ScriptBlock* block, uint3
     return object == nullptr ? nullptr : scriptObjectGetString(engine, object, where);
 }
 
-Arguments::Arguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args)
-    : engine_(engine), block_(block), args_(args) {
-    status_ = engine == nullptr || block == nullptr || args == nullptr ? kInvalidCall : kDone;
-}
-
 ScriptObject* Arguments::fail() {
     status_ = kError;
     return nullptr;
@@ -123,18 +118,9 @@ ScriptObject* Arguments::fetch(uint32_t index, bool followRefs) {
     return object == nullptr ? fail() : object;
 }
 
-ScriptObject* Arguments::any(uint32_t index) {
-    return fetch(index, true);
-}
-
-ScriptObject* Arguments::unfollowed(uint32_t index) {
-    return fetch(index, false);
-}
-
-ScriptObject* Arguments::typed(uint32_t index, ScriptType type) {
-    ScriptObject* object = any(index);
-    if (object == nullptr) return nullptr;
-    return scriptEngineRequireType(engine_, object, type, index) ? object : fail();
+ScriptObject* Arguments::refuse(uint32_t index, ScriptType type) {
+    scriptEngineRequireType(engine_, nullptr, type, index);
+    return fail();
 }
 
 double Arguments::number(uint32_t index) {
@@ -145,16 +131,6 @@ double Arguments::number(uint32_t index) {
 const String* Arguments::string(uint32_t index) {
     ScriptObject* object = typed(index, kTypeString);
     return object == nullptr ? nullptr : lend(object);
-}
-
-ScriptObject* Arguments::target(uint32_t index) {
-    ScriptObject* object = any(index);
-    return object == nullptr ? nullptr : writable(index, object);
-}
-
-ScriptObject* Arguments::target(uint32_t index, ScriptType type) {
-    ScriptObject* object = typed(index, type);
-    return object == nullptr ? nullptr : writable(index, object);
 }
 
 ScriptObject* Arguments::retyped(uint32_t index, ScriptType type) {
@@ -172,7 +148,7 @@ ScriptObject* Arguments::retyped(uint32_t index, ScriptType type) {
     return writable(index, object);
 }
 
-ScriptObject* Arguments::writable(uint32_t index, ScriptObject* object) {
+ScriptObject* Arguments::writableSlow(uint32_t index, ScriptObject* object) {
     if (!keepLoansOf(object)) return nullptr;
     object = scriptBlockOwnLiteral(block_, object);
     if (object == nullptr) {

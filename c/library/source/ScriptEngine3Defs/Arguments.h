@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "ScriptEngine3Defs/ScriptEngineRecord.h"
+#include "ScriptEngine3Defs/ScriptLine.h"
 #include "containers/GrowArray.h"
 
 // The object of one argument, evaluated, pointers followed on demand; null
@@ -30,7 +31,10 @@ String* scriptEngineGetVarString(ScriptEngine* engine, ScriptBlock* block, uint3
 // argument retypes the same object or the handler writes to it.
 class Arguments {
   public:
-    Arguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args);
+    Arguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args)
+        : engine_(engine), block_(block), args_(args) {
+        status_ = engine == nullptr || block == nullptr || args == nullptr ? kInvalidCall : kDone;
+    }
     Arguments(const Arguments&) = delete;
     Arguments& operator=(const Arguments&) = delete;
 
@@ -41,19 +45,30 @@ class Arguments {
     ScriptArg* arg(uint32_t index) const { return &args_->items[index]; }
 
     // The value, of any type, pointers followed. To be read only: it may be shared.
-    ScriptObject* any(uint32_t index);
+    ScriptObject* any(uint32_t index) {
+        ScriptObject* object = plain(index);
+        return object != nullptr ? object : fetch(index, true);
+    }
     // The same with a pointer as it is.
-    ScriptObject* unfollowed(uint32_t index);
+    ScriptObject* unfollowed(uint32_t index) {
+        ScriptObject* object = plain(index);
+        return object != nullptr ? object : fetch(index, false);
+    }
     // The value, which must have the type. To be read only.
-    ScriptObject* typed(uint32_t index, ScriptType type);
+    ScriptObject* typed(uint32_t index, ScriptType type) {
+        ScriptObject* object = any(index);
+        return object == nullptr || object->type == type ? object : refuse(index, type);
+    }
     // The text of a value that must be a string. It lives until the handler ends.
     const String* string(uint32_t index);
     // The value of an argument that must be a number.
     double number(uint32_t index);
     // An argument that the handler may change, of any type.
-    ScriptObject* target(uint32_t index);
+    ScriptObject* target(uint32_t index) { return writable(index, any(index)); }
     // The same; it must have the type.
-    ScriptObject* target(uint32_t index, ScriptType type);
+    ScriptObject* target(uint32_t index, ScriptType type) {
+        return writable(index, typed(index, type));
+    }
     // The same; it is made one of the type.
     ScriptObject* retyped(uint32_t index, ScriptType type);
     // Before a handler ends elements of a container: a text read so far may be
@@ -77,8 +92,24 @@ class Arguments {
     static constexpr uint32_t kLoans = 8;
     static constexpr uint32_t kTargets = 8;
 
+    // The value where reading it is no more than looking at it: most arguments
+    // are variables and literals. Null for all that takes more.
+    ScriptObject* plain(uint32_t index) {
+        if (status_ != kDone || index >= args_->count) return nullptr;
+        ScriptObject* object = scriptBlockSearchPlace(block_, &args_->items[index], nullptr);
+        const bool isPlain =
+            object != nullptr && object->type != kTypePointer && object->type != kTypeExpr;
+        return isPlain ? object : nullptr;
+    }
+    ScriptObject* writable(uint32_t index, ScriptObject* object) {
+        if (object == nullptr) return nullptr;
+        if (loanCount_ != 0 || object->isShared()) return writableSlow(index, object);
+        if (targetCount_ < kTargets) targets_[targetCount_++] = object;
+        return object;
+    }
     ScriptObject* fetch(uint32_t index, bool followRefs);
-    ScriptObject* writable(uint32_t index, ScriptObject* object);
+    ScriptObject* refuse(uint32_t index, ScriptType type);
+    ScriptObject* writableSlow(uint32_t index, ScriptObject* object);
     bool keepLoansOf(ScriptObject* object);
     bool isTarget(const ScriptObject* object) const;
     const String* lend(ScriptObject* object);

@@ -57,8 +57,7 @@ bool replaceValue(ScriptEngine* engine, ScriptObject* target, const ScriptObject
 
 }  // namespace
 
-bool scriptObjectAssign(ScriptEngine* engine, ScriptObject* target, ScriptObject* source) {
-    if (target == nullptr || source == nullptr) return false;
+bool scriptObjectAssignAny(ScriptEngine* engine, ScriptObject* target, ScriptObject* source) {
     if (source->type == kTypePointer && target->type != kTypeUndef) {
         source = scriptPointerFollow(source);
         if (source == nullptr || source->type == kTypePointer) return false;

@@ -128,10 +128,10 @@ bool scriptContainerCreate(ScriptObject* object, ScriptType type) {
             object->vector = {vectorCreate(), 0, 0, 0};
             return object->vector.vector != nullptr;
         case kTypeSet:
-            object->set = {setCreate(scriptObjectCompareElements), nullptr};
+            object->set = {setCreate(scriptObjectCompareElements, &scriptElementKeys), nullptr};
             return object->set.set != nullptr;
         case kTypeMap:
-            object->map = {mapCreate(scriptObjectCompareElements), nullptr};
+            object->map = {mapCreate(scriptObjectCompareElements, &scriptElementKeys), nullptr};
             return object->map.map != nullptr;
         default:
             object->tree = pathTreeCreate();

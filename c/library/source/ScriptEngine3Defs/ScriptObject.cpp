@@ -97,9 +97,7 @@ bool clonePayload(ScriptObject* copy, const ScriptObject* source) {
             copy->number = source->number;
             break;
         case kTypeString:
-            stringInitEmpty(&copy->string);
-            if (!stringIsEmpty(&source->string) && !stringSet(&copy->string, &source->string))
-                return false;
+            if (!stringCopyInto(&copy->string, &source->string)) return false;
             break;
         case kTypeExpr:
             copy->expression = scriptExpressionClone(source->expression);
@@ -134,18 +132,21 @@ ScriptObject* scriptObjectCreate(ScriptType type) {
 }
 
 ScriptObject* scriptObjectCreateString(std::string_view text) {
-    Owned<ScriptObject> object(scriptObjectCreate(kTypeString));
-    if (!object || !stringAppendView(&object->string, text)) return nullptr;
-    return object.release();
+    ScriptObject* object = scriptObjectTake();
+    if (object == nullptr) return nullptr;
+    object->type = kTypeString;
+    stringInitEmpty(&object->string);
+    if (!stringAppendView(&object->string, text)) scriptObjectDestroy(&object);
+    return object;
 }
 
 ScriptObject* scriptObjectClone(const ScriptObject* object) {
     if (object == nullptr || !object->hasValues()) return nullptr;
-    Owned<ScriptObject> copy(scriptObjectTake());
-    if (!copy) return nullptr;
+    ScriptObject* copy = scriptObjectTake();
+    if (copy == nullptr) return nullptr;
     copy->nameId = object->nameId;
-    if (!clonePayload(copy.get(), object)) return nullptr;
-    return copy.release();
+    if (!clonePayload(copy, object)) scriptObjectDestroy(&copy);
+    return copy;
 }
 
 bool scriptObjectCanClone(const ScriptObject* object) {

@@ -14,6 +14,7 @@ struct ListIterator;
 struct Map;
 struct MapIterator;
 struct PathTree;
+struct RbKeys;
 struct ScriptExpression;
 struct Set;
 struct SetIterator;
@@ -158,8 +159,21 @@ inline void scriptObjectDestroy(ScriptObject** object) {
     ScriptObject* dead = *object;
     *object = nullptr;
     ++dead->generation;
-    if (dead->type != kTypeNumber) return scriptObjectEnd(dead);
+    const bool isOnePiece = dead->type == kTypeNumber ||
+                            (dead->type == kTypeString && dead->string.capacity <= kStringInside);
+    if (!isOnePiece) return scriptObjectEnd(dead);
     poolGive(&scriptObjectPool, dead);
+}
+
+// What stands behind `scriptObjectAssign` where it is more than a number.
+bool scriptObjectAssignAny(ScriptEngine* engine, ScriptObject* target, ScriptObject* source);
+
+inline bool scriptObjectAssign(ScriptEngine* engine, ScriptObject* target, ScriptObject* source) {
+    if (target == nullptr || source == nullptr) return false;
+    if (target->type != kTypeNumber || source->type != kTypeNumber)
+        return scriptObjectAssignAny(engine, target, source);
+    target->number = source->number;
+    return true;
 }
 
 template <>
@@ -179,7 +193,7 @@ ScriptType scriptObjectLiteralType(std::string_view text);
 
 // Takes over the value of `source` by the rules of references. `target` must
 // not be shared. The engine is the one that reports.
-bool scriptObjectAssign(ScriptEngine* engine, ScriptObject* target, ScriptObject* source);
+inline bool scriptObjectAssign(ScriptEngine* engine, ScriptObject* target, ScriptObject* source);
 // Sets a number, string or file from text; on a pointer renames its target.
 bool scriptObjectSetStringValue(ScriptEngine* engine, ScriptObject* object, std::string_view text);
 // The value as text, owned by the caller; null when it has none. `scope` is
@@ -197,6 +211,8 @@ uint32_t scriptObjectGetSize(const ScriptObject* object);
 int scriptObjectCompare(ScriptEngine* engine, const ScriptObject* a, const ScriptObject* b);
 // The same as the order of sets and maps; what cannot be compared counts as below.
 signed char scriptObjectCompareElements(const void* a, const void* b);
+// The keys of elements in that order.
+extern const RbKeys scriptElementKeys;
 
 // References.
 

@@ -47,6 +47,7 @@ class Evaluation {
     bool binary(const ExprStep& step, EvalValue left, EvalValue right, EvalValue* result);
     bool onNumbers(const ExprStep& step, EvalValue left, EvalValue right, EvalValue* result);
     bool ofStrings(const ExprStep& step, EvalValue& left, EvalValue right, EvalValue* result);
+    static bool joined(const ScriptObject* left, EvalValue right, EvalValue* result);
     bool assignAny(const ExprStep& step, EvalValue& left, EvalValue& right, EvalValue* result);
     bool byOperation(uint8_t op, EvalValue* left, EvalValue& right, EvalValue* result);
     bool copyOf(ScriptObject* object, bool isLast, EvalValue* result);
@@ -168,7 +169,9 @@ bool Evaluation::ofStrings(const ExprStep& step, EvalValue& left, EvalValue righ
         return ofNumbers(step.op, order, 0, &result->number);
     }
     const bool assigns = step.op == kOpConcatAssign || step.op == kOpAddAssign;
-    const bool chains = isMade(left) && (step.op == kOpConcat || step.op == kOpPlus);
+    const bool joins = step.op == kOpConcat || step.op == kOpPlus;
+    const bool chains = joins && isMade(left);
+    if (joins && !chains) return joined(left.object, right, result);
     if ((!assigns && !chains) || left.object->isShared() || left.object == right.object)
         return false;
     const uint32_t before = left.object->string.length;
@@ -188,9 +191,34 @@ bool Evaluation::ofStrings(const ExprStep& step, EvalValue& left, EvalValue righ
     return true;
 }
 
+// A new text of a string and what stands behind it, a string or a number.
+bool Evaluation::joined(const ScriptObject* left, EvalValue right, EvalValue* result) {
+    const double* number = numberIn(right);
+    if (number == nullptr && right.object->type != kTypeString) return false;
+    ScriptObject* made = scriptObjectCreateString(stringView(&left->string));
+    if (made == nullptr) return false;
+    const bool whole = number != nullptr ? stringAppendDouble(&made->string, *number)
+                                         : stringAppend(&made->string, &right.object->string);
+    if (!whole) {
+        scriptObjectDestroy(&made);
+        return false;
+    }
+    made->flags |= kObjectMade;
+    *result = {made, 0};
+    return true;
+}
+
+// A text that this run has made and nobody else has goes over to a string as it is.
+bool takeText(ScriptObject* target, const EvalValue& made) {
+    return isMade(made) && made.object->type == kTypeString && target->type == kTypeString &&
+           !target->isShared() && stringTake(&target->string, &made.object->string);
+}
+
 bool Evaluation::assignAny(const ExprStep& step, EvalValue& left, EvalValue& right,
                            EvalValue* result) {
-    if (!toObject(right) || !own(left) || !scriptObjectAssign(engine_, left.object, right.object))
+    const bool taken = takeText(left.object, right);
+    if (!taken &&
+        (!toObject(right) || !own(left) || !scriptObjectAssign(engine_, left.object, right.object)))
         fail("evaluateAssign: Failed to assign");
     else if (copyOf(left.object, step.isLast, result))
         return true;

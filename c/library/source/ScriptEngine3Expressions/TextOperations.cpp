@@ -84,27 +84,27 @@ ScriptObject* evaluatePlus(ScriptEngine* engine, ScriptBlock* block, ScriptObjec
         return operandNumber(engine, "evaluatePlus", left->number + right->number);
     if (left->type != kTypeString && right->type != kTypeString) return nullptr;
     // The side that is no string adds its text, or nothing when it has none.
-    Owned<String> scratch(stringNew(0));
+    LocalString scratch;
     std::string_view leftText;
     std::string_view rightText;
-    textOf(engine, block, left, scratch.get(), &leftText);
-    textOf(engine, block, right, scratch.get(), &rightText);
+    textOf(engine, block, left, &scratch, &leftText);
+    textOf(engine, block, right, &scratch, &rightText);
     return joined(engine, "evaluatePlus", leftText, rightText);
 }
 
 ScriptObject* evaluateConcat(ScriptEngine* engine, ScriptBlock* block, ScriptObject* left,
                              ScriptObject* right) {
     if (!operandResolveBoth(engine, "evaluateConcat", &left, &right)) return nullptr;
-    Owned<String> leftScratch(stringNew(0));
-    Owned<String> rightScratch(stringNew(0));
+    LocalString leftScratch;
+    LocalString rightScratch;
     std::string_view leftText;
     std::string_view rightText;
-    if (!textOf(engine, block, left, leftScratch.get(), &leftText)) {
+    if (!textOf(engine, block, left, &leftScratch, &leftText)) {
         logError(engine->logger,
                  "evaluateConcat: Failed to get left operand. Make sure it is defined!");
         return nullptr;
     }
-    if (!textOf(engine, block, right, rightScratch.get(), &rightText)) {
+    if (!textOf(engine, block, right, &rightScratch, &rightText)) {
         logError(engine->logger,
                  "evaluateConcat: Failed to get right operand. Possible reason: #::100");
         return nullptr;

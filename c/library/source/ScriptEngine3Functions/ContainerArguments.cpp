@@ -3,20 +3,7 @@
 #include "ScriptEngine3Defs/ScriptEvaluator.h"
 #include "strings/StringNumbers.h"
 
-ContainerArguments::ContainerArguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
-                                       ScriptType type)
-    : Arguments(engine, block, args), type_(type), container_(target(0, type)) {
-    if (container_ != nullptr) generation_ = container_->generation;
-}
-
-bool ContainerArguments::hasContainer() const {
-    return container_ != nullptr && container_->generation == generation_ &&
-           container_->type == type_;
-}
-
-ScriptObject* ContainerArguments::container() {
-    if (!ok()) return nullptr;
-    if (hasContainer()) return container_;
+ScriptObject* ContainerArguments::containerGone() {
     scriptEngineRequireType(engine_, nullptr, type_, 0);
     return fail();
 }
@@ -59,15 +46,7 @@ const ScriptObject* ContainerArguments::optional(uint32_t index) {
     return object != nullptr && scriptTemporariesAdd(object) ? object : nullptr;
 }
 
-ScriptObject* ContainerArguments::unfollowedTarget(uint32_t index) {
-    if (!ok()) return nullptr;
-    ScriptObject* object = scriptBlockSearchPlace(block_, arg(index), nullptr);
-    return object != nullptr && object->type == kTypePointer ? object : target(index);
-}
-
-bool ContainerArguments::assignInWalk(ScriptObject* target, ScriptObject* element) {
-    if (target->type != kTypePointer || scriptPointerTarget(target) != nullptr)
-        return scriptObjectAssign(engine_, target, element);
+bool ContainerArguments::aimInWalk(ScriptObject* target, ScriptObject* element) {
     scriptPointerAim(target, nullptr, nullptr);
     if (!scriptObjectAssign(engine_, target, element)) return false;
     scriptPointerAim(target, scriptPointerTarget(target), block_);

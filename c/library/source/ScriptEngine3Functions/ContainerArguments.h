@@ -15,12 +15,21 @@
 class ContainerArguments : public Arguments {
   public:
     // Fetches the first argument, which must have the type.
-    ContainerArguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, ScriptType type);
+    ContainerArguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, ScriptType type)
+        : Arguments(engine, block, args), type_(type), container_(target(0, type)) {
+        if (container_ != nullptr) generation_ = container_->generation;
+    }
 
     // The container; null, with a failure reported, when it is gone.
-    ScriptObject* container();
+    ScriptObject* container() {
+        if (!ok()) return nullptr;
+        return hasContainer() ? container_ : containerGone();
+    }
     // Whether `container` would give it, without a report.
-    bool hasContainer() const;
+    bool hasContainer() const {
+        return container_ != nullptr && container_->generation == generation_ &&
+               container_->type == type_;
+    }
 
     // A copy of a value for the container, owned by the caller. Null without a
     // failure of the arguments when the value has no copy, as undef has none.
@@ -36,13 +45,23 @@ class ContainerArguments : public Arguments {
     // A value that may be missing: null without a report when there is none.
     const ScriptObject* optional(uint32_t index);
     // A target that stays itself when it is a pointer.
-    ScriptObject* unfollowedTarget(uint32_t index);
+    ScriptObject* unfollowedTarget(uint32_t index) {
+        if (!ok()) return nullptr;
+        ScriptObject* object = scriptBlockSearchPlace(block_, arg(index), nullptr);
+        return object != nullptr && object->type == kTypePointer ? object : target(index);
+    }
     // Assigns an element of a vector to such a target. A pointer that refers to
     // nothing, or to nothing any more, is aimed at the element as it is seen
     // from this block.
-    bool assignInWalk(ScriptObject* target, ScriptObject* element);
+    bool assignInWalk(ScriptObject* target, ScriptObject* element) {
+        if (target->type != kTypePointer || scriptPointerTarget(target) != nullptr)
+            return scriptObjectAssign(engine_, target, element);
+        return aimInWalk(target, element);
+    }
 
   private:
+    ScriptObject* containerGone();
+    bool aimInWalk(ScriptObject* target, ScriptObject* element);
     ScriptObject* copyOf(uint32_t index, bool followRefs);
 
     ScriptType type_;

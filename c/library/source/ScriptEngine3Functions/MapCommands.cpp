@@ -13,13 +13,10 @@ struct Watched {
     uint32_t generation;
 };
 
-// Takes an entry out and ends it; the walk ends when it stands there.
-void eraseEntry(ScriptObject* map, MapNode* node) {
+// The walk ends when the entry under its cursor goes.
+void leaveEntry(ScriptObject* map, const MapNode* node) {
     MapIterator* cursor = map->map.cursor;
-    if (mapIterIsValid(cursor) && cursor->iterator.node == node)
-        mapIterEraseWith(cursor, scriptObjectDestroyElement, scriptObjectDestroyElement);
-    else
-        mapEraseNode(map->map.map, node, scriptObjectDestroyElement, scriptObjectDestroyElement);
+    if (mapIterIsValid(cursor) && cursor->iterator.node == node) rbTreeIterLeave(&cursor->iterator);
 }
 
 // Gives a copy of an argument of `mapinsert`; null when the command ends with
@@ -44,9 +41,13 @@ int scriptEngineMapInsert(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* 
     if (!in.ok()) return in.status();
     // The new key goes in, not only the value: `1` and `"1"` are equal and sort
     // differently among others.
-    if (MapNode* node = mapFindNode(map->map.map, key.get())) eraseEntry(map, node);
-    if (!mapInsert(map->map.map, key.get(), value.get()))
-        return commandOutOfMemory(engine, "scriptEngineMapInsert");
+    MapNode* node = mapFindNode(map->map.map, key.get());
+    if (node != nullptr) leaveEntry(map, node);
+    const bool added = node == nullptr
+                           ? mapInsert(map->map.map, key.get(), value.get())
+                           : mapReplaceNode(map->map.map, node, key.get(), value.get(),
+                                            scriptObjectDestroyElement, scriptObjectDestroyElement);
+    if (!added) return commandOutOfMemory(engine, "scriptEngineMapInsert");
     key.release();
     value.release();
     return kDone;
@@ -59,7 +60,8 @@ int scriptEngineMapErase(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* a
     if (!in.ok()) return in.status();
     MapNode* node = mapFindNode(map->map.map, key);
     if (node == nullptr) return kNegative;
-    eraseEntry(map, node);
+    leaveEntry(map, node);
+    mapEraseNode(map->map.map, node, scriptObjectDestroyElement, scriptObjectDestroyElement);
     return kDone;
 }
 
@@ -109,6 +111,8 @@ int deliver(ScriptEngine* engine, const ContainerArguments& in, const ScriptObje
     Watched value(static_cast<ScriptObject*>(mapIterValue(map->map.cursor)));
     Owned<ScriptObject> kept;
     if (scriptTypeIsContainer(keyTarget->type)) kept.reset(scriptObjectClone(value.object));
+    // A pointer that is aimed at the key lets the script change it.
+    if (keyTarget->type == kTypePointer) rbTreeForgetKeys(&map->map.map->tree);
     if (!scriptObjectAssign(engine, keyTarget, key))
         return commandError(engine, messages.keyNotAssigned);
     ScriptObject* delivered = value.isThere() && in.hasContainer() ? value.object : kept.get();

@@ -30,11 +30,10 @@ int scriptEngineSetErase(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* a
     Set* set = object->set.set;
     SetIterator* cursor = object->set.cursor;
     RbNode* node = set == nullptr ? nullptr : rbTreeFindNode(&set->tree, value);
+    if (node == nullptr) return kDone;
     // The walk ends when the element under its cursor goes.
-    if (node != nullptr && setIterIsValid(cursor) && cursor->iterator.node == node)
-        setIterEraseWith(cursor, scriptObjectDestroyElement);
-    else if (node != nullptr)
-        setEraseNode(set, node, scriptObjectDestroyElement);
+    if (setIterIsValid(cursor) && cursor->iterator.node == node) rbTreeIterLeave(&cursor->iterator);
+    setEraseNode(set, node, scriptObjectDestroyElement);
     return kDone;
 }
 
@@ -44,6 +43,13 @@ int scriptEngineSetHaveElement(ScriptEngine* engine, ScriptBlock* block, ScriptA
     const ScriptObject* set = in.container();
     if (!in.ok()) return in.status();
     return setContains(set->set.set, value) ? kDone : kNegative;
+}
+
+// Assigns the element of a walk to its target. A pointer that is aimed at the
+// element lets the script change it.
+bool deliver(ScriptEngine* engine, ScriptObject* set, ScriptObject* target, ScriptObject* element) {
+    if (target->type == kTypePointer) rbTreeForgetKeys(&set->set.set->tree);
+    return scriptObjectAssign(engine, target, element);
 }
 
 struct WalkStart {
@@ -77,7 +83,7 @@ int startWalk(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
     if (element == nullptr) return commandError(engine, kStart.noElement);
     setIterDestroy(&set->set.cursor);
     set->set.cursor = cursor.release();
-    if (scriptObjectAssign(engine, target, element)) return kDone;
+    if (deliver(engine, set, target, element)) return kDone;
     return commandError(engine, kStart.notAssigned);
 }
 
@@ -95,7 +101,7 @@ int scriptEngineSetGetNext(ScriptEngine* engine, ScriptBlock* block, ScriptArgs*
     auto* element = static_cast<ScriptObject*>(setIterValue(set->set.cursor));
     if (element == nullptr)
         return commandError(engine, "scriptEngineSetGetNext: NULL-object found in set");
-    if (scriptObjectAssign(engine, target, element)) return kDone;
+    if (deliver(engine, set, target, element)) return kDone;
     return commandError(engine,
                         "scriptEngineSetGetNext: Failed to assign set value to target variable");
 }

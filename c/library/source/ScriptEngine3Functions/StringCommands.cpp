@@ -130,7 +130,7 @@ int scriptEngineStrAlign(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* a
     }
     String* text = &target->string;
     const uint32_t width = clamped(wanted, kStringMaxLength);
-    const char c = fill->data[0];
+    const char c = stringBytes(fill)[0];
     const bool padded = mode > 0   ? stringPadLeft(text, width, c)
                         : mode < 0 ? stringPadRight(text, width, c)
                                    : stringPadCentre(text, width, c);

@@ -17,17 +17,22 @@ MapIterator* makeIterator(Map* map, RbNode* node, int8_t direction) {
     return it;
 }
 
+void endEntry(void* key, void* value, DestroyFunction destroyKey, DestroyFunction destroyValue) {
+    if (destroyKey != nullptr) destroyKey(&key);
+    if (destroyValue != nullptr && value != nullptr) destroyValue(&value);
+}
+
 MapNode* nodeOf(const MapIterator* iterator) {
     return static_cast<MapNode*>(iterator->iterator.node);
 }
 
 }  // namespace
 
-Map* mapCreate(CompareFunction keyCompare) {
+Map* mapCreate(CompareFunction keyCompare, const RbKeys* keys) {
     if (keyCompare == nullptr) return nullptr;
     Map* map = memNew<Map>();
     if (map == nullptr) return nullptr;
-    rbTreeInit(&map->tree, keyCompare, true);
+    rbTreeInit(&map->tree, keyCompare, true, keys);
     map->keyCompare = keyCompare;
     return map;
 }
@@ -88,8 +93,18 @@ void mapEraseNode(Map* map, MapNode* node, DestroyFunction destroyKey,
     void* value = node->value;
     rbTreeEraseNode(&map->tree, node);
     refreshCount(map);
-    if (destroyKey != nullptr) destroyKey(&key);
-    if (destroyValue != nullptr && value != nullptr) destroyValue(&value);
+    endEntry(key, value, destroyKey, destroyValue);
+}
+
+bool mapReplaceNode(Map* map, MapNode* node, void* key, void* value, DestroyFunction destroyKey,
+                    DestroyFunction destroyValue) {
+    void* oldKey = node->data;
+    void* oldValue = node->value;
+    auto* fresh = static_cast<MapNode*>(rbTreeReplaceNode(&map->tree, node, key));
+    if (fresh != nullptr) fresh->value = value;
+    refreshCount(map);
+    endEntry(oldKey, oldValue, destroyKey, destroyValue);
+    return fresh != nullptr;
 }
 
 MapIterator* mapIterFirst(Map* map) {

@@ -25,8 +25,8 @@ struct MapIterator {
 };
 
 // An empty map, owned by the caller; null without a comparison and when memory
-// runs out.
-Map* mapCreate(CompareFunction keyCompare);
+// runs out. `keys` (may be null) is described in RbTree.h.
+Map* mapCreate(CompareFunction keyCompare, const RbKeys* keys = nullptr);
 
 // Releases the map and clears the caller's pointer; in the second form keys and
 // values too, in order, by whichever of the callbacks are given.
@@ -70,6 +70,10 @@ inline MapNode* mapNextNode(const Map* map, const MapNode* node) {
 }
 void mapEraseNode(Map* map, MapNode* node, DestroyFunction destroyKey,
                   DestroyFunction destroyValue);
+// Takes the entry of a node out and puts in another with an equal key, as
+// `rbTreeReplaceNode` does. False when memory runs out; the old entry has gone then.
+bool mapReplaceNode(Map* map, MapNode* node, void* key, void* value, DestroyFunction destroyKey,
+                    DestroyFunction destroyValue);
 
 // Iterators, as those of RbTree.h.
 MapIterator* mapIterFirst(Map* map);

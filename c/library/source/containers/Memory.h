@@ -11,6 +11,9 @@
 // The caller releases them with `memFree`.
 void* memAlloc(size_t size);
 
+// The same with all bytes zero.
+void* memAllocZeros(size_t size);
+
 // Like `memAlloc`, keeping the first bytes of `old` that fit, as `realloc` does.
 // On failure gives null, and `old` stays as it was.
 void* memResize(void* old, size_t size);
@@ -46,5 +49,6 @@ void memDelete(T** pointer) {
 // ends the fault. The count covers every request of the process's threads.
 void memFailAfter(long long count, bool andAllLater);
 
-// Requests made since the start of the process, failed ones included.
+// Requests made, failed ones included, since the first call of this function
+// or of `memFailAfter`.
 unsigned long long memRequestCount();

@@ -43,14 +43,13 @@ bool poolHasGrown(const Pool* pool) {
 static bool addChunk(Pool* pool) {
     const size_t room = std::max<size_t>(pool->nextChunk - sizeof(PoolChunk), pool->recordSize);
     const size_t bytes = room - room % pool->recordSize;
-    auto* chunk = static_cast<PoolChunk*>(memAlloc(sizeof(PoolChunk) + bytes));
+    auto* chunk = static_cast<PoolChunk*>(memAllocZeros(sizeof(PoolChunk) + bytes));
     if (chunk == nullptr) return false;
     chunk->older = pool->chunks;
     pool->chunks = chunk;
     pool->fresh = reinterpret_cast<char*>(chunk + 1);
     pool->freshEnd = pool->fresh + bytes;
-    std::memset(pool->fresh, 0, bytes);
-    pool->nextChunk = std::min(pool->nextChunk * 2, kPoolChunk);
+    pool->nextChunk = std::min(pool->nextChunk * 2, kPoolLargestChunk);
     return true;
 }
 

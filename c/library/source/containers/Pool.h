@@ -24,14 +24,15 @@ struct Pool {
     uint32_t nextChunk;
 };
 
-// Chunks grow up to this many bytes, or to one record where that is larger.
+// A full first chunk in bytes, or one record where that is larger. Later chunks
+// double up to the largest.
 constexpr uint32_t kPoolChunk = 64 * 1024;
+constexpr uint32_t kPoolLargestChunk = 4 * 1024 * 1024;
 
 // Makes an empty pool; no memory is asked for before the first take. The size
 // is rounded up to a multiple of 8, and records are aligned to 16 when it is one
 // of 16. `linkOffset` is a multiple of 8 inside the record. With `firstRecords`
-// the first chunk holds about that many records and later ones double up to
-// `kPoolChunk`; 0 begins with the full chunk.
+// the first chunk holds about that many records; 0 begins with the full chunk.
 void poolInit(Pool* pool, uint32_t recordSize, uint32_t linkOffset = 0, uint32_t firstRecords = 0);
 
 // Releases every record at once. The pool can be used again, as if new.

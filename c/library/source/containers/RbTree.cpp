@@ -1,11 +1,14 @@
 #include "containers/RbTree.h"
 
 #include "containers/Memory.h"
+#include "containers/RbIndex.h"
 
 namespace {
 
 // Most trees are small; the pool doubles from here.
 constexpr uint32_t kFirstNodes = 4;
+// A way down of so few steps costs no more than a hash.
+constexpr uint32_t kIndexFrom = 16;
 
 using Side = RbNode* RbNode::*;
 
@@ -131,6 +134,93 @@ inline void fetchChildren(const RbNode* node) {
     __builtin_prefetch(node->right);
 }
 
+// Whether an order of keys says something about each element.
+bool hasKeys(const RbTree* tree) {
+    return tree->kind != kRbMixedKind && tree->kind != kRbAnyKind;
+}
+
+void setMixed(RbTree* tree) {
+    tree->kind = kRbMixedKind;
+    rbIndexDestroy(&tree->index);
+}
+
+void resetKeys(RbTree* tree) {
+    tree->kind = tree->keys == nullptr ? kRbMixedKind : kRbAnyKind;
+    tree->unique = true;
+    rbIndexDestroy(&tree->index);
+}
+
+// The key of an element that comes in.
+RbKey noteKey(RbTree* tree, const void* data) {
+    if (tree->keys == nullptr || tree->kind == kRbMixedKind) return {0, kRbNoKind};
+    const RbKey key = tree->keys->keyOf(data);
+    if (key.kind == kRbNoKind || (tree->kind != kRbAnyKind && tree->kind != key.kind))
+        setMixed(tree);
+    else
+        tree->kind = key.kind;
+    return key;
+}
+
+// The order of an element, with its key, and the one of a node.
+int compareByKey(const RbTree* tree, uint64_t order, const void* data, const RbNode* node) {
+    if (order != node->order) return order < node->order ? -1 : 1;
+    return tree->compare(data, node->data);
+}
+
+// Where an element goes that is not in the tree: a free place below a node.
+struct RbPlace {
+    RbNode* parent;
+    RbNode** child;
+};
+
+template <typename Compare>
+RbPlace freePlace(RbTree* tree, Compare compare) {
+    RbNode* nil = &tree->nil;
+    RbPlace place{nil, &tree->root};
+    while (*place.child != nil) {
+        place.parent = *place.child;
+        fetchChildren(place.parent);
+        place.child = compare(place.parent) < 0 ? &place.parent->left : &place.parent->right;
+    }
+    return place;
+}
+
+template <typename Compare>
+RbNode* search(const RbTree* tree, Compare compare) {
+    RbNode* node = tree->root;
+    while (node != &tree->nil) {
+        fetchChildren(node);
+        const int order = compare(node);
+        if (order == 0) return node;
+        node = order < 0 ? node->left : node->right;
+    }
+    return nullptr;
+}
+
+void noteInIndex(RbTree* tree, RbNode* node) {
+    node->hash = tree->keys->hash(node->data);
+    if (!rbIndexAdd(tree->index, node->hash, node)) rbIndexDestroy(&tree->index);
+}
+
+// Adds a new node to the index, and makes one where it begins to pay.
+void indexNewNode(RbTree* tree, RbNode* node) {
+    if (tree->index != nullptr) return noteInIndex(tree, node);
+    if (tree->count != kIndexFrom || !tree->pairs || !tree->unique || !hasKeys(tree)) return;
+    tree->index = rbIndexCreate(tree->count);
+    for (RbNode* at = rbTreeFirstNode(tree); at != nullptr && tree->index != nullptr;
+         at = rbTreeNextNode(tree, at))
+        noteInIndex(tree, at);
+}
+
+RbNode* insertAt(RbTree* tree, RbPlace place, RbNode* node, void* data, uint64_t order) {
+    RbNode* nil = &tree->nil;
+    *node = RbNode{data, nil, nil, place.parent, order, kRbRed, 0};
+    *place.child = node;
+    repairInsert(tree, node);
+    ++tree->count;
+    return node;
+}
+
 RbNode* orNull(const RbTree* tree, RbNode* node) {
     return node == &tree->nil ? nullptr : node;
 }
@@ -160,6 +250,7 @@ void dropNodes(RbTree* tree) {
         it->node = &tree->nil;
     tree->root = &tree->nil;
     tree->count = 0;
+    resetKeys(tree);
     poolDestroy(&tree->nodes);
 }
 
@@ -185,13 +276,16 @@ void rbTreeDestroy(RbTree** tree) {
     memFree(tree);
 }
 
-void rbTreeInit(RbTree* tree, CompareFunction compare, bool pairs) {
+void rbTreeInit(RbTree* tree, CompareFunction compare, bool pairs, const RbKeys* keys) {
     RbNode* nil = &tree->nil;
-    *nil = RbNode{nullptr, nil, nil, nil, kRbBlack};
+    *nil = RbNode{nullptr, nil, nil, nil, 0, kRbBlack, 0};
     tree->root = nil;
     tree->count = 0;
     tree->pairs = pairs;
     tree->compare = compare;
+    tree->keys = keys;
+    tree->index = nullptr;
+    resetKeys(tree);
     tree->iterators = nullptr;
     poolInit(&tree->nodes, pairs ? sizeof(RbPairNode) : sizeof(RbNode), 0, kFirstNodes);
 }
@@ -211,18 +305,20 @@ RbNode* rbTreeInsertNode(RbTree* tree, void* data) {
     if (tree == nullptr || data == nullptr) return nullptr;
     auto* node = static_cast<RbNode*>(poolTake(&tree->nodes));
     if (node == nullptr) return nullptr;
-    RbNode* nil = &tree->nil;
-    RbNode* parent = nil;
-    RbNode** place = &tree->root;
-    while (*place != nil) {
-        parent = *place;
-        fetchChildren(parent);
-        place = tree->compare(data, parent->data) < 0 ? &parent->left : &parent->right;
+    const RbKey key = noteKey(tree, data);
+    RbPlace place;
+    if (hasKeys(tree)) {
+        place = freePlace(tree, [&](const RbNode* at) {
+            const int order = compareByKey(tree, key.order, data, at);
+            if (order == 0) tree->unique = false;
+            return order;
+        });
+        if (!tree->unique) rbIndexDestroy(&tree->index);
+    } else {
+        place = freePlace(tree, [&](const RbNode* at) { return tree->compare(data, at->data); });
     }
-    *node = RbNode{data, nil, nil, parent, kRbRed};
-    *place = node;
-    repairInsert(tree, node);
-    ++tree->count;
+    insertAt(tree, place, node, data, key.order);
+    indexNewNode(tree, node);
     return node;
 }
 
@@ -256,15 +352,18 @@ void rbTreeClearPairs(RbTree* tree, DestroyFunction destroyKey, DestroyFunction 
 
 RbNode* rbTreeFindNode(const RbTree* tree, const void* key) {
     if (tree == nullptr || key == nullptr) return nullptr;
-    const CompareFunction compare = tree->compare;
-    RbNode* node = tree->root;
-    while (node != &tree->nil) {
-        fetchChildren(node);
-        const signed char order = compare(key, node->data);
-        if (order == 0) return node;
-        node = order < 0 ? node->left : node->right;
-    }
-    return nullptr;
+    const RbKey known = hasKeys(tree) ? tree->keys->keyOf(key) : RbKey{0, kRbNoKind};
+    if (known.kind == kRbNoKind || known.kind != tree->kind)
+        return search(tree, [&](const RbNode* at) { return tree->compare(key, at->data); });
+    if (tree->index != nullptr)
+        return rbIndexFind(tree->index, tree->keys->hash(key), [&](const RbNode* at) {
+            return at->order == known.order && tree->compare(key, at->data) == 0;
+        });
+    return search(tree, [&](const RbNode* at) { return compareByKey(tree, known.order, key, at); });
+}
+
+void rbTreeForgetKeys(RbTree* tree) {
+    if (tree != nullptr) setMixed(tree);
 }
 
 RbNode* rbTreeFirstNode(const RbTree* tree) {
@@ -301,16 +400,48 @@ void rbTreeEraseNode(RbTree* tree, RbNode* node) {
     else
         spliced->parent->right = child;
 
+    if (tree->index != nullptr) rbIndexRemove(tree->index, node->hash, node);
     if (spliced != node) {
+        if (tree->index != nullptr) rbIndexMove(tree->index, spliced->hash, spliced, node);
         node->data = spliced->data;
+        node->order = spliced->order;
+        node->hash = spliced->hash;
         if (tree->pairs)
             static_cast<RbPairNode*>(node)->value = static_cast<RbPairNode*>(spliced)->value;
     }
     if (spliced->color == kRbBlack) repairErase(tree, child);
     poolGive(&tree->nodes, spliced);
     --tree->count;
+    if (tree->count != 0) return;
+    resetKeys(tree);
     // What a large tree left behind goes back to the allocator.
-    if (tree->count == 0 && poolHasGrown(&tree->nodes)) poolDestroy(&tree->nodes);
+    if (poolHasGrown(&tree->nodes)) poolDestroy(&tree->nodes);
+}
+
+// The one free place between the neighbours of what has gone is where the way
+// down from the root would end: as long as keys order the tree no comparison is
+// needed to find it.
+RbNode* rbTreeReplaceNode(RbTree* tree, RbNode* node, void* data) {
+    RbNode* nil = &tree->nil;
+    const RbKey key = hasKeys(tree) ? tree->keys->keyOf(data) : RbKey{0, kRbNoKind};
+    if (tree->count == 1 || !tree->unique || key.kind == kRbNoKind || key.kind != tree->kind) {
+        rbTreeEraseNode(tree, node);
+        return rbTreeInsertNode(tree, data);
+    }
+    const bool twoChildren = node->left != nil && node->right != nil;
+    RbNode* before = predecessor(tree, node);
+    RbNode* behind = twoChildren ? node : successor(tree, node);
+    const uint32_t hash = node->hash;
+    rbTreeEraseNode(tree, node);
+    auto* fresh = static_cast<RbNode*>(poolTake(&tree->nodes));
+    if (fresh == nullptr) return nullptr;
+    const bool isLeft = behind != nil && behind->left == nil;
+    const RbPlace place = isLeft ? RbPlace{behind, &behind->left} : RbPlace{before, &before->right};
+    insertAt(tree, place, fresh, data, key.order);
+    fresh->hash = hash;
+    if (tree->index != nullptr && !rbIndexAdd(tree->index, hash, fresh))
+        rbIndexDestroy(&tree->index);
+    return fresh;
 }
 
 RbTreeIterator* rbTreeIterFirst(RbTree* tree) {
@@ -356,6 +487,11 @@ bool rbTreeIterStep(RbTreeIterator* iterator) {
     return iterator->node != &tree->nil;
 }
 
+void rbTreeIterLeave(RbTreeIterator* iterator) {
+    iterator->node = &iterator->tree->nil;
+    iterator->moved = false;
+}
+
 bool rbTreeIterIsValid(const RbTreeIterator* iterator) {
     return iterator != nullptr && iterator->tree != nullptr && !iterator->moved &&
            iterator->node != &iterator->tree->nil;
@@ -380,8 +516,7 @@ bool rbTreeIterEraseWith(RbTreeIterator* iterator, DestroyFunction destroy) {
     if (!rbTreeIterIsValid(iterator)) return false;
     void* data = iterator->node->data;
     rbTreeEraseNode(iterator->tree, iterator->node);
-    iterator->node = &iterator->tree->nil;
-    iterator->moved = false;
+    rbTreeIterLeave(iterator);
     if (destroy != nullptr) destroy(&data);
     return true;
 }

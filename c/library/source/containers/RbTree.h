@@ -12,12 +12,36 @@
 
 enum RbColor : uint32_t { kRbRed = 0, kRbBlack = 1 };
 
+// Kinds of elements, as a tree's owner numbers them from 1.
+enum RbKind : uint8_t {
+    kRbNoKind = 0,      // of an element: it cannot be ordered by a key
+    kRbAnyKind = 0,     // of a tree: empty, so the first element decides
+    kRbMixedKind = 255  // of a tree: its elements are ordered by the comparison alone
+};
+
+// What a tree notes of an element beside its pointer, so that most comparisons
+// need not look at the element.
+struct RbKey {
+    uint64_t order;  // the lower one goes first; where they are equal the comparison decides
+    uint8_t kind;    // orders of different kinds say nothing about each other
+};
+
+// How keys are made. As long as all elements of a tree are of one kind the
+// comparison must put them in one order, and the keys must agree with it.
+struct RbKeys {
+    RbKey (*keyOf)(const void* element);
+    // Equal for elements of one kind that compare equal.
+    uint32_t (*hash)(const void* element);
+};
+
 struct RbNode {
     void* data;
     RbNode* left;
     RbNode* right;
     RbNode* parent;
+    uint64_t order;  // of the element's key
     RbColor color;
+    uint32_t hash;  // of the element, while the tree has an index
 };
 
 // The node of a tree of pairs (`Map`): the key is `data`, so that a comparison
@@ -26,6 +50,7 @@ struct RbPairNode : RbNode {
     void* value;
 };
 
+struct RbIndex;
 struct RbTreeIterator;
 
 // Nodes come from a pool of the tree. The tree knows the iterators that stand
@@ -34,8 +59,12 @@ struct RbTree {
     RbNode* root;
     RbNode nil;  // in place: stands for every absent child and for the root's parent
     uint32_t count;
-    bool pairs;  // nodes are RbPairNode
+    bool pairs;    // nodes are RbPairNode
+    bool unique;   // no two elements are known to compare equal
+    uint8_t kind;  // an `RbKind`, or the kind of all elements
     CompareFunction compare;
+    const RbKeys* keys;  // null: the comparison alone
+    RbIndex* index;      // owned; of a large tree of pairs with one kind of keys, none equal
     Pool nodes;
     RbTreeIterator* iterators;
 };
@@ -58,7 +87,7 @@ RbTree* rbTreeCreate(CompareFunction compare);
 void rbTreeDestroy(RbTree** tree);
 
 // The same for a tree inside another record, which must not move in memory.
-void rbTreeInit(RbTree* tree, CompareFunction compare, bool pairs);
+void rbTreeInit(RbTree* tree, CompareFunction compare, bool pairs, const RbKeys* keys = nullptr);
 void rbTreeTerm(RbTree* tree);
 
 // Adds an element; false for null and when memory runs out.
@@ -72,6 +101,10 @@ void rbTreeClear(RbTree* tree);
 void rbTreeClearWith(RbTree* tree, DestroyFunction destroy);
 // The same for a tree of pairs, with whichever of the callbacks are given.
 void rbTreeClearPairs(RbTree* tree, DestroyFunction destroyKey, DestroyFunction destroyValue);
+
+// Says that an element may change while it is in the tree: from now on, and
+// until the tree is empty, each comparison looks at the elements themselves.
+void rbTreeForgetKeys(RbTree* tree);
 
 // ---- Nodes: for walks and searches inside one function, which need no iterator.
 // All give null when there is none.
@@ -88,6 +121,11 @@ RbNode* rbTreePrevNode(const RbTree* tree, const RbNode* node);
 // moves into this node, and that one's node is the one that goes; so no other
 // node than `node` may be kept across this call. Iterators are taken care of.
 void rbTreeEraseNode(RbTree* tree, RbNode* node);
+// Takes the element of the node out and puts in one that compares equal to it,
+// with the same result as one after the other, the shape of the tree included;
+// gives the new element's node, or null when memory runs out. The warning above
+// holds.
+RbNode* rbTreeReplaceNode(RbTree* tree, RbNode* node, void* data);
 
 // ---- Iterators: for cursors that live while the tree changes.
 // Inserting leaves them alone. When others erase the element of an iterator,
@@ -109,6 +147,9 @@ void rbTreeIterInit(RbTreeIterator* iterator, RbTree* tree, RbNode* node, int8_t
 void rbTreeIterTerm(RbTreeIterator* iterator);
 // Moves on; false at the end, where it then stands on nothing, and for direction 0.
 bool rbTreeIterStep(RbTreeIterator* iterator);
+
+// Makes it stand on nothing: the walk ends here.
+void rbTreeIterLeave(RbTreeIterator* iterator);
 
 // Whether the iterator stands on an element.
 bool rbTreeIterIsValid(const RbTreeIterator* iterator);

@@ -23,10 +23,10 @@ const RbTree* treeOf(const Set* set) {
 
 }  // namespace
 
-Set* setCreate(CompareFunction compare) {
+Set* setCreate(CompareFunction compare, const RbKeys* keys) {
     if (compare == nullptr) return nullptr;
     Set* set = memNew<Set>();
-    if (set != nullptr) rbTreeInit(&set->tree, compare, false);
+    if (set != nullptr) rbTreeInit(&set->tree, compare, false, keys);
     return set;
 }
 

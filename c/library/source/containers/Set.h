@@ -20,8 +20,8 @@ struct SetIterator {
 };
 
 // An empty set, owned by the caller; null without a comparison and when memory
-// runs out.
-Set* setCreate(CompareFunction compare);
+// runs out. `keys` (may be null) is described in RbTree.h.
+Set* setCreate(CompareFunction compare, const RbKeys* keys = nullptr);
 
 // Releases the set and clears the caller's pointer; with a callback the elements
 // too, in order.

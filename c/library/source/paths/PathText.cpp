@@ -128,7 +128,7 @@ bool pathUnifySeparators(String* path) {
     uint32_t end = 0;
     for (size_t i = 0; i < text.size(); ++i) {
         bool repeated = i > 1 && pathIsSeparator(text[i]) && pathIsSeparator(text[i - 1]);
-        if (!repeated) path->data[end++] = pathIsSeparator(text[i]) ? kSeparator : text[i];
+        if (!repeated) stringBytes(path)[end++] = pathIsSeparator(text[i]) ? kSeparator : text[i];
     }
     return end == path->length || stringSetLength(path, end);
 }
@@ -139,7 +139,7 @@ bool pathResolveDots(String* path) {
     if (text.empty()) return true;
     size_t lead = leadingSeparators(text);
     bool trailing = endsInSeparator(text);
-    DotResolver resolver(path->data, lead);
+    DotResolver resolver(stringBytes(path), lead);
     for (size_t start = lead; start < text.size();) {
         size_t end = text.find(kSeparator, start);
         if (end == std::string_view::npos) end = text.size();
@@ -153,7 +153,7 @@ bool pathResolveDots(String* path) {
 bool pathIsAbsolute(const String* path) {
     Owned<String> unified(stringClone(path));
     if (!pathUnifySeparators(unified.get())) return false;
-    bool leads = !stringIsEmpty(path) && pathIsSeparator(path->data[0]);
+    bool leads = !stringIsEmpty(path) && pathIsSeparator(stringBytes(path)[0]);
     return (leads && osLeadingSeparatorIsAbsolute()) || stringMatchText(unified.get(), "?*:\\*") ||
            stringMatchText(unified.get(), "\\\\?*\\*");
 }

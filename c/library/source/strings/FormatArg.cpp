@@ -24,7 +24,8 @@ std::string_view FormatArg::text() const {
 bool FormatArg::refersTo(const String* s) const {
     if (!isText() || s == nullptr) return false;
     if (kind_ == Kind::String) return string_ == s;
-    return reinterpret_cast<uintptr_t>(text_) - reinterpret_cast<uintptr_t>(s->data) < s->capacity;
+    return reinterpret_cast<uintptr_t>(text_) - reinterpret_cast<uintptr_t>(stringBytes(s)) <
+           s->capacity;
 }
 
 int64_t FormatArg::toInt64() const {

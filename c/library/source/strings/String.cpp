@@ -6,13 +6,28 @@
 
 namespace {
 
+// Moves the text, which fits, from a buffer back into the record.
+void moveInside(String* s) {
+    char* old = s->heap;
+    std::memcpy(s->inside, old, s->length);
+    s->capacity = kStringInside;
+    memFree(&old);
+}
+
 // Replaces the buffer by one of `capacity` bytes, keeping the text, which fits.
 bool changeCapacity(String* s, uint32_t capacity) {
-    void* larger = memResize(s->data, capacity);
-    if (larger == nullptr) return false;
-    s->data = static_cast<char*>(larger);
-    s->capacity = capacity;
-    s->data[s->length] = 0;
+    const bool isInside = s->capacity <= kStringInside;
+    if (capacity <= kStringInside) {
+        if (!isInside) moveInside(s);
+        s->capacity = kStringInside;
+    } else {
+        auto* buffer = static_cast<char*>(memResize(isInside ? nullptr : s->heap, capacity));
+        if (buffer == nullptr) return false;
+        if (isInside) std::memcpy(buffer, s->inside, s->length);
+        s->heap = buffer;
+        s->capacity = capacity;
+    }
+    stringBytes(s)[s->length] = 0;
     return true;
 }
 
@@ -37,7 +52,7 @@ String* fromBytes(const char* bytes, uint32_t count) {
     if (bytes == nullptr || count > kStringMaxLength) return nullptr;
     String* s = stringNew(count + 1);
     if (s == nullptr) return nullptr;
-    std::memcpy(s->data, bytes, count);
+    std::memcpy(stringBytes(s), bytes, count);
     stringSetLength(s, count);
     return s;
 }
@@ -94,7 +109,7 @@ void stringDestroyElement(void** element) {
 
 void stringRelease(String* s) {
     if (s == nullptr) return;
-    memFree(&s->data);
+    if (s->capacity > kStringInside) memFree(&s->heap);
     stringInitEmpty(s);
 }
 
@@ -119,13 +134,13 @@ bool stringReserve(String* s, uint32_t length) {
 
 char* stringMakeRoom(String* s, uint32_t count) {
     if (s == nullptr || !growTo(s, uint64_t{s->length} + count)) return nullptr;
-    return s->data + s->length;
+    return stringBytes(s) + s->length;
 }
 
 bool stringSetLength(String* s, uint32_t length) {
     if (s == nullptr || length >= s->capacity) return s != nullptr && length == 0;
     s->length = length;
-    s->data[length] = 0;
+    stringBytes(s)[length] = 0;
     return true;
 }
 
@@ -145,7 +160,7 @@ bool stringSetBytes(String* s, const char* bytes, uint32_t count) {
         stringRelease(s);
         if (!changeCapacity(s, count + 1)) return false;
     }
-    std::memmove(s->data, bytes, count);
+    std::memmove(stringBytes(s), bytes, count);
     return stringSetLength(s, count);
 }
 
@@ -171,9 +186,10 @@ bool stringAppendGrowing(String* s, const char* bytes, uint32_t count) {
     if (count == 0) return true;
     // The buffer moves, and with it what is a part of the string itself.
     const uintptr_t offset =
-        reinterpret_cast<uintptr_t>(bytes) - reinterpret_cast<uintptr_t>(s->data);
-    const bool ownBytes = s->data != nullptr && offset < s->capacity;
+        reinterpret_cast<uintptr_t>(bytes) - reinterpret_cast<uintptr_t>(stringBytes(s));
+    const bool ownBytes = offset < s->capacity;
     if (!growTo(s, uint64_t{s->length} + count)) return false;
-    std::memmove(s->data + s->length, ownBytes ? s->data + offset : bytes, count);
+    char* text = stringBytes(s);
+    std::memmove(text + s->length, ownBytes ? text + offset : bytes, count);
     return stringSetLength(s, s->length + count);
 }

@@ -6,15 +6,26 @@
 
 #include "containers/Owned.h"
 
+// Texts of fewer bytes than this stand in the record itself: most texts of a
+// script are short, and a buffer of its own would cost each a piece of the heap
+// and a wait for its memory at every look.
+constexpr uint32_t kStringInside = 16;
+
 // The byte string that the library passes around. It may hold zero bytes; what
-// takes a zero-terminated text stops at the first of them. Null data with
-// length and capacity 0 is an empty string like any other. Every function
-// tolerates null and then reports failure; none of them logs. When memory runs
-// out a function fails and the text stays as it was, except where it says so.
+// takes a zero-terminated text stops at the first of them. A record of zeros is
+// an empty string like any other. Every function tolerates null and then
+// reports failure; none of them logs. When memory runs out a function fails and
+// the text stays as it was, except where it says so. A string may be moved in
+// memory, but the bytes of a short one move with it.
 struct String {
-    char* data;         // owned, with a zero byte behind `length` bytes
+    // The `data`, with a zero byte behind `length` bytes: reached by
+    // `stringBytes`, since `capacity` tells which of the two counts.
+    union {
+        char* heap;  // owned
+        char inside[kStringInside];
+    };
     uint32_t length;    // bytes in use, without the terminator
-    uint32_t capacity;  // bytes allocated, with the terminator
+    uint32_t capacity;  // bytes there are, with the terminator; `inside` up to kStringInside
 };
 
 // As a count: up to the end of the text, or to its terminator.
@@ -43,7 +54,10 @@ void stringDestroyElement(void** element);
 // For a string that is a field of another record: makes it empty without
 // allocating, and frees its text, after which it is empty again.
 inline void stringInitEmpty(String* s) {
-    if (s != nullptr) *s = String{nullptr, 0, 0};
+    if (s == nullptr) return;
+    s->inside[0] = 0;
+    s->length = 0;
+    s->capacity = kStringInside;
 }
 void stringRelease(String* s);
 
@@ -63,14 +77,26 @@ struct LocalString : String {
 // Gives `s` the buffer of `from`, which becomes empty; nothing is copied.
 bool stringTake(String* s, String* from);
 
-// The bytes of the text, valid until the string changes. Null gives none.
+// Makes a record that holds nothing yet a copy of `source`; false, with an empty
+// string, when memory runs out.
+inline bool stringCopyInto(String* fresh, const String* source);
+
+// The bytes of a string that is not null, valid until the string changes or moves.
+inline char* stringBytes(String* s) {
+    return s->capacity > kStringInside ? s->heap : s->inside;
+}
+inline const char* stringBytes(const String* s) {
+    return s->capacity > kStringInside ? s->heap : s->inside;
+}
+
+// The same with their count. Null gives none.
 inline std::string_view stringView(const String* s) {
-    return s == nullptr ? std::string_view() : std::string_view(s->data, s->length);
+    return s == nullptr ? std::string_view() : std::string_view(stringBytes(s), s->length);
 }
 
 // The text with its terminator, never null: "" where there is no text.
 inline const char* stringText(const String* s) {
-    return s == nullptr || s->data == nullptr ? "" : s->data;
+    return s == nullptr ? "" : stringBytes(s);
 }
 
 inline bool stringIsEmpty(const String* s) {
@@ -79,13 +105,13 @@ inline bool stringIsEmpty(const String* s) {
 
 // Makes the text empty and keeps the buffer.
 inline void stringClear(String* s) {
-    if (s == nullptr || s->data == nullptr) return;
+    if (s == nullptr) return;
     s->length = 0;
-    s->data[0] = 0;
+    stringBytes(s)[0] = 0;
 }
 
-// Gives the string a buffer of exactly `length` + 1 bytes and keeps of the old
-// text what fits.
+// Gives the string room for `length` bytes and no more than it needs for that,
+// and keeps of the old text what fits.
 bool stringReserve(String* s, uint32_t length);
 
 // Makes room for `count` more bytes behind the text, growing by doubling, and
@@ -115,9 +141,10 @@ bool stringAppendGrowing(String* s, const char* bytes, uint32_t count);
 inline bool stringAppendBytes(String* s, const char* bytes, uint32_t count) {
     if (s == nullptr || bytes == nullptr || count >= s->capacity - s->length)
         return stringAppendGrowing(s, bytes, count);
-    std::memcpy(s->data + s->length, bytes, count);
+    char* text = stringBytes(s);
+    std::memcpy(text + s->length, bytes, count);
     s->length += count;
-    s->data[s->length] = 0;
+    text[s->length] = 0;
     return true;
 }
 
@@ -133,6 +160,15 @@ inline bool stringAppendView(String* s, std::string_view bytes) {
 
 inline bool stringAppend(String* s, const String* other) {
     return other != nullptr && stringAppendView(s, stringView(other));
+}
+
+inline bool stringCopyInto(String* fresh, const String* source) {
+    if (source->capacity <= kStringInside) {
+        *fresh = *source;
+        return true;
+    }
+    stringInitEmpty(fresh);
+    return stringAppend(fresh, source);
 }
 
 inline bool stringAppendText(String* s, const char* text) {

@@ -74,12 +74,12 @@ char& StringCpp::operator[](uint32_t index) {
     static thread_local char zero;
     zero = 0;
     if (isEmpty()) return zero;
-    return string_->data[index < string_->length ? index : string_->length - 1];
+    return stringBytes(string_.get())[index < string_->length ? index : string_->length - 1];
 }
 
 char StringCpp::operator[](uint32_t index) const {
     if (isEmpty()) return 0;
-    return string_->data[index < string_->length ? index : string_->length - 1];
+    return stringBytes(string_.get())[index < string_->length ? index : string_->length - 1];
 }
 
 int StringCpp::compare(const StringCpp& other) const {

@@ -38,15 +38,16 @@ uint32_t trimmedRight(std::string_view text) {
 
 void dropFront(String* s, uint32_t count) {
     if (count == 0) return;
-    std::memmove(s->data, s->data + count, s->length - count);
+    char* text = stringBytes(s);
+    std::memmove(text, text + count, s->length - count);
     stringSetLength(s, s->length - count);
 }
 
 bool mapBytes(String* s, char first, char last, int distance) {
     if (s == nullptr) return false;
-    for (uint32_t i = 0; i < s->length && s->data[i] != 0; ++i) {
-        if (s->data[i] >= first && s->data[i] <= last)
-            s->data[i] = static_cast<char>(s->data[i] + distance);
+    char* text = stringBytes(s);
+    for (uint32_t i = 0; i < s->length && text[i] != 0; ++i) {
+        if (text[i] >= first && text[i] <= last) text[i] = static_cast<char>(text[i] + distance);
     }
     return true;
 }
@@ -76,9 +77,10 @@ int64_t replaceAll(String* s, std::string_view from, std::string_view to, const 
 bool padAround(String* s, uint32_t left, uint32_t right, char c) {
     if (stringMakeRoom(s, left + right) == nullptr) return false;
     const uint32_t length = s->length;
-    std::memmove(s->data + left, s->data, length);
-    std::memset(s->data, c, left);
-    std::memset(s->data + left + length, c, right);
+    char* text = stringBytes(s);
+    std::memmove(text + left, text, length);
+    std::memset(text, c, left);
+    std::memset(text + left + length, c, right);
     return stringSetLength(s, left + length + right);
 }
 
@@ -132,7 +134,8 @@ bool stringErase(String* s, uint32_t pos, uint32_t count) {
     if (s == nullptr || pos >= s->length) return false;
     const Range range(s, pos, count);
     const uint32_t behind = s->length - range.last;
-    std::memmove(s->data + pos, s->data + range.last, behind);
+    char* text = stringBytes(s);
+    std::memmove(text + pos, text + range.last, behind);
     stringSetLength(s, pos + behind);
     return behind > 0;
 }
@@ -140,9 +143,10 @@ bool stringErase(String* s, uint32_t pos, uint32_t count) {
 uint32_t stringRemoveChar(String* s, char c, uint32_t start, uint32_t count) {
     const Range range(s, start, count);
     if (range.first == range.last) return 0;
-    char* end = std::remove(s->data + range.first, s->data + range.last, c);
-    const uint32_t removed = static_cast<uint32_t>(s->data + range.last - end);
-    std::memmove(end, s->data + range.last, s->length - range.last);
+    char* text = stringBytes(s);
+    char* end = std::remove(text + range.first, text + range.last, c);
+    const uint32_t removed = static_cast<uint32_t>(text + range.last - end);
+    std::memmove(end, text + range.last, s->length - range.last);
     stringSetLength(s, s->length - removed);
     return removed;
 }
@@ -184,7 +188,7 @@ bool stringLower(String* s) {
 bool stringReverse(String* s, uint32_t start, uint32_t count) {
     if (s == nullptr) return false;
     const Range range(s, start, count);
-    std::reverse(s->data + range.first, s->data + range.last);
+    std::reverse(stringBytes(s) + range.first, stringBytes(s) + range.last);
     return true;
 }
 
@@ -192,8 +196,8 @@ uint32_t stringReplaceChar(String* s, char from, char to, uint32_t start, uint32
     const Range range(s, start, count);
     uint32_t replaced = 0;
     for (uint32_t i = range.first; i < range.last; ++i) {
-        if (s->data[i] != from) continue;
-        s->data[i] = to;
+        if (stringBytes(s)[i] != from) continue;
+        stringBytes(s)[i] = to;
         ++replaced;
     }
     return replaced;

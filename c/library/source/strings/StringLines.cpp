@@ -46,7 +46,7 @@ class LineWalk {
     void endLine() {
         if (next_ < text_.size() && isBreak(text_[next_])) take();
         if (lastBreak_ > lineStart_) {
-            out_->data[lastBreak_] = '\n';
+            stringBytes(out_)[lastBreak_] = '\n';
             lineStart_ = lastBreak_ + 1;
             column_ = out_->length - lineStart_;
             ++lines_;
@@ -59,7 +59,7 @@ class LineWalk {
             while (next_ < text_.size() && !isBreak(text_[next_])) take();
             if (next_ == text_.size()) return;
             take();
-            out_->data[out_->length - 1] = '\n';
+            stringBytes(out_)[out_->length - 1] = '\n';
         }
         startLine();
     }

@@ -111,7 +111,8 @@ Thread* threadInitName(ThreadFunction function, void* data, const String* name) 
     if (!thread || name == nullptr) return thread.release();
     thread->name = stringClone(name);
     if (thread->name == nullptr) return nullptr;
-    std::replace(thread->name->data, thread->name->data + thread->name->length, ':', '_');
+    std::replace(stringBytes(thread->name), stringBytes(thread->name) + thread->name->length, ':',
+                 '_');
     return thread.release();
 }
 
