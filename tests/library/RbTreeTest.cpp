@@ -187,3 +187,63 @@ TEST(RbTree, RefusesWhatItHasNoMemoryFor) {
     EXPECT_EQ(inserted, tree->count);
     blackHeight(tree.get(), tree->root);
 }
+
+// Keys of whole numbers: even and odd ones are two kinds, a few have none, and
+// neighbours share an order.
+RbKey keyOfNumber(const void* element) {
+    const int32_t value = *static_cast<const int32_t*>(element);
+    if (value == 63) return {0, kRbNoKind};
+    return {static_cast<uint64_t>(value / 4), static_cast<uint8_t>(1 + value % 2)};
+}
+
+uint32_t hashOfNumber(const void* element) {
+    return static_cast<uint32_t>(*static_cast<const int32_t*>(element) % 5);
+}
+
+void expectSameShape(const RbTree* left, const RbNode* a, const RbTree* right, const RbNode* b) {
+    if (a == &left->nil || b == &right->nil) {
+        EXPECT_TRUE(a == &left->nil && b == &right->nil);
+        return;
+    }
+    EXPECT_EQ(a->data, b->data);
+    EXPECT_EQ(a->color, b->color);
+    expectSameShape(left, a->left, right, b->left);
+    expectSameShape(left, a->right, right, b->right);
+}
+
+// With keys, an index and the short way to replace, a tree must come out as
+// without them.
+TEST(RbTree, KeysChangeNothingThatCanBeSeen) {
+    constexpr RbKeys kKeys = {keyOfNumber, hashOfNumber};
+    std::mt19937 random(11);
+    for (int round = 0; round < 400; ++round) {
+        RbTree keyed;
+        RbTree plain;
+        rbTreeInit(&keyed, compareSigned, true, &kKeys);
+        rbTreeInit(&plain, compareSigned, true);
+        const bool evenOnly = round % 4 != 0;
+        const bool unique = round % 2 == 0;
+        for (int step = 0; step < 300; ++step) {
+            const uint32_t drawn = random() % 64;
+            void* element = numbers[evenOnly ? drawn & ~1u : drawn];
+            RbNode* at = rbTreeFindNode(&keyed, element);
+            RbNode* same = rbTreeFindNode(&plain, element);
+            ASSERT_EQ(same == nullptr, at == nullptr);
+            if (same != nullptr && random() % 4 == 0) {
+                rbTreeEraseNode(&keyed, at);
+                rbTreeEraseNode(&plain, same);
+            } else if (same != nullptr && unique) {
+                rbTreeReplaceNode(&keyed, at, element);
+                rbTreeEraseNode(&plain, same);
+                rbTreeInsertNode(&plain, element);
+            } else {
+                rbTreeInsertNode(&keyed, element);
+                rbTreeInsertNode(&plain, element);
+            }
+        }
+        expectSameShape(&keyed, keyed.root, &plain, plain.root);
+        EXPECT_EQ(evenOnly && unique && keyed.count > 0, keyed.index != nullptr) << keyed.count;
+        rbTreeTerm(&keyed);
+        rbTreeTerm(&plain);
+    }
+}

@@ -25,22 +25,35 @@ uint64_t orderOfNumber(double number) {
     return (bits & kSign) != 0 ? ~bits : bits | kSign;
 }
 
-// Up to eight bytes, the first one lowest; zeros behind them. Written so that
-// eight are one load.
+// Loads bytes so that the first one is the lowest.
+template <typename Word>
+uint64_t loaded(const char* bytes) {
+    Word word;
+    std::memcpy(&word, bytes, sizeof word);
+    if constexpr (std::endian::native == std::endian::little) return word;
+    uint64_t turned = 0;
+    for (size_t at = 0; at < sizeof word; ++at)
+        turned |= uint64_t{static_cast<unsigned char>(bytes[at])} << (8 * at);
+    return turned;
+}
+
+// Up to eight bytes, the first one lowest, zeros behind them. Two loads that
+// overlap give the same bytes twice.
 uint64_t wordOf(const char* bytes, uint32_t count) {
-    uint64_t word = 0;
-    for (uint32_t at = 0; at < count; ++at)
-        word |= uint64_t{static_cast<unsigned char>(bytes[at])} << (8 * at);
-    return word;
+    if (count >= 8) return loaded<uint64_t>(bytes);
+    if (count >= 4)
+        return loaded<uint32_t>(bytes) | loaded<uint32_t>(bytes + count - 4) << (8 * (count - 4));
+    if (count >= 2)
+        return loaded<uint16_t>(bytes) | loaded<uint16_t>(bytes + count - 2) << (8 * (count - 2));
+    return count == 0 ? 0 : loaded<uint8_t>(bytes);
 }
 
 // Bytes count as signed, and a text goes before those that go on behind it: the
 // lowest byte stands for no byte as well, and where that makes two orders equal
 // the texts themselves decide.
 uint64_t orderOfText(const char* bytes, uint32_t length) {
-    if (length >= kWord) return __builtin_bswap64(wordOf(bytes, kWord)) ^ kAllSigns;
     const uint64_t word = __builtin_bswap64(wordOf(bytes, length)) ^ kAllSigns;
-    return word & ~(UINT64_MAX >> (8 * length));
+    return length >= kWord ? word : word & ~(UINT64_MAX >> (8 * length));
 }
 
 uint64_t mixed(uint64_t hash, uint64_t word) {

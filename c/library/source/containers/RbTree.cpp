@@ -9,6 +9,10 @@ namespace {
 constexpr uint32_t kFirstNodes = 4;
 // A way down of so few steps costs no more than a hash.
 constexpr uint32_t kIndexFrom = 16;
+// As long as keys order the tree its shape decides nothing. Should elements of
+// another kind come in later it could, among elements that contradict each
+// other; of so large a tree nobody can have a use for that.
+constexpr uint32_t kExactShape = 4096;
 
 using Side = RbNode* RbNode::*;
 
@@ -427,6 +431,10 @@ RbNode* rbTreeReplaceNode(RbTree* tree, RbNode* node, void* data) {
     if (tree->count == 1 || !tree->unique || key.kind == kRbNoKind || key.kind != tree->kind) {
         rbTreeEraseNode(tree, node);
         return rbTreeInsertNode(tree, data);
+    }
+    if (tree->count > kExactShape) {
+        node->data = data;
+        return node;
     }
     const bool twoChildren = node->left != nil && node->right != nil;
     RbNode* before = predecessor(tree, node);

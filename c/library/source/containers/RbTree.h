@@ -122,9 +122,9 @@ RbNode* rbTreePrevNode(const RbTree* tree, const RbNode* node);
 // node than `node` may be kept across this call. Iterators are taken care of.
 void rbTreeEraseNode(RbTree* tree, RbNode* node);
 // Takes the element of the node out and puts in one that compares equal to it,
-// with the same result as one after the other, the shape of the tree included;
-// gives the new element's node, or null when memory runs out. The warning above
-// holds.
+// with the same result as one after the other, the shape of the tree included
+// unless it is a large one; gives the new element's node, or null when memory
+// runs out. The warning above holds.
 RbNode* rbTreeReplaceNode(RbTree* tree, RbNode* node, void* data);
 
 // ---- Iterators: for cursors that live while the tree changes.
