@@ -3,6 +3,7 @@
 #include "ScriptEngine3Expressions/ExpressionSteps.h"
 #include "ScriptEngine3Expressions/NumberSteps.h"
 #include "strings/StringCompare.h"
+#include "strings/StringMatch.h"
 #include "strings/StringNumbers.h"
 
 namespace {
@@ -14,8 +15,9 @@ inline bool isMade(const EvalValue& value) {
     return value.object != nullptr && (value.object->flags & kObjectMade) != 0;
 }
 
-inline void drop(EvalValue value) {
-    if (isMade(value)) scriptObjectDestroy(&value.object);
+inline void drop(const EvalValue& value) {
+    ScriptObject* object = value.object;
+    if (isMade(value)) scriptObjectDestroy(&object);
 }
 
 // A result that the run owns from now on.
@@ -44,10 +46,12 @@ class Evaluation {
     bool load(ExprOperand* operand, EvalValue*& top, EvalValue* value);
     bool loadBoth(ExprStep* step, EvalValue*& top, EvalValue* left, EvalValue* right);
     bool unary(const ExprStep& step, EvalValue right, EvalValue* result);
-    bool binary(const ExprStep& step, EvalValue left, EvalValue right, EvalValue* result);
-    bool onNumbers(const ExprStep& step, EvalValue left, EvalValue right, EvalValue* result);
-    bool ofStrings(const ExprStep& step, EvalValue& left, EvalValue right, EvalValue* result);
-    static bool joined(const ScriptObject* left, EvalValue right, EvalValue* result);
+    bool binary(const ExprStep& step, EvalValue& left, EvalValue& right, EvalValue* result);
+    bool onNumbers(const ExprStep& step, const EvalValue& left, const EvalValue& right,
+                   EvalValue* result);
+    bool ofStrings(const ExprStep& step, EvalValue& left, const EvalValue& right,
+                   EvalValue* result);
+    static bool joined(const ScriptObject* left, const EvalValue& right, EvalValue* result);
     bool assignAny(const ExprStep& step, EvalValue& left, EvalValue& right, EvalValue* result);
     bool byOperation(uint8_t op, EvalValue* left, EvalValue& right, EvalValue* result);
     bool copyOf(ScriptObject* object, bool isLast, EvalValue* result);
@@ -121,7 +125,7 @@ bool Evaluation::copyOf(ScriptObject* object, bool isLast, EvalValue* result) {
 }
 
 // Two numbers, wherever they come from.
-bool Evaluation::onNumbers(const ExprStep& step, EvalValue left, EvalValue right,
+bool Evaluation::onNumbers(const ExprStep& step, const EvalValue& left, const EvalValue& right,
                            EvalValue* result) {
     const double* leftNumber = numberIn(left);
     const double* rightNumber = numberIn(right);
@@ -144,7 +148,8 @@ bool isOrderOperator(uint8_t op) {
     return (op >= kOpLt && op <= kOpGe) || op == kOpEq || op == kOpNe;
 }
 
-bool Evaluation::binary(const ExprStep& step, EvalValue left, EvalValue right, EvalValue* result) {
+bool Evaluation::binary(const ExprStep& step, EvalValue& left, EvalValue& right,
+                        EvalValue* result) {
     bool good = onNumbers(step, left, right, result);
     if (!good && left.object != nullptr && left.object->type == kTypeString)
         good = ofStrings(step, left, right, result);
@@ -157,16 +162,20 @@ bool Evaluation::binary(const ExprStep& step, EvalValue left, EvalValue right, E
     return good;
 }
 
-// What needs no object when the left side is a string: an order of two
-// strings, and a text that grows where it is, when nobody can see the moment in
+// What needs no object when the left side is a string: an order or a match of
+// two strings, and a text that grows where it is, when nobody can see the moment in
 // between (`x .= y`, `x += y`, a chain of `.`). False when it is none of these.
-bool Evaluation::ofStrings(const ExprStep& step, EvalValue& left, EvalValue right,
+bool Evaluation::ofStrings(const ExprStep& step, EvalValue& left, const EvalValue& right,
                            EvalValue* result) {
     const bool twoStrings = right.object != nullptr && right.object->type == kTypeString;
     if (twoStrings && isOrderOperator(step.op)) {
         const int order = stringCompare(&left.object->string, &right.object->string);
         result->object = nullptr;
         return ofNumbers(step.op, order, 0, &result->number);
+    }
+    if (twoStrings && step.op == kOpMatch) {
+        *result = valueOfNumber(stringMatch(&left.object->string, &right.object->string));
+        return true;
     }
     const bool assigns = step.op == kOpConcatAssign || step.op == kOpAddAssign;
     const bool joins = step.op == kOpConcat || step.op == kOpPlus;
@@ -192,7 +201,7 @@ bool Evaluation::ofStrings(const ExprStep& step, EvalValue& left, EvalValue righ
 }
 
 // A new text of a string and what stands behind it, a string or a number.
-bool Evaluation::joined(const ScriptObject* left, EvalValue right, EvalValue* result) {
+bool Evaluation::joined(const ScriptObject* left, const EvalValue& right, EvalValue* result) {
     const double* number = numberIn(right);
     if (number == nullptr && right.object->type != kTypeString) return false;
     ScriptObject* made = scriptObjectCreateString(stringView(&left->string));
@@ -298,7 +307,7 @@ bool Evaluation::run(const ExprStep* from, EvalValue* stack, EvalValue* top) {
 }
 
 // Gives the caller what it wants of the result.
-void handOver(ScriptEngine* engine, ScriptBlock* block, EvalWant want, EvalValue value,
+void handOver(ScriptEngine* engine, ScriptBlock* block, EvalWant want, const EvalValue& value,
               EvalResult* result) {
     if (want == kWantTruth) {
         const double* number = numberIn(value);

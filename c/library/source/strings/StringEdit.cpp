@@ -1,6 +1,7 @@
 #include "strings/StringEdit.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "strings/StringFind.h"
 
@@ -34,6 +35,12 @@ uint32_t trimmedLeft(std::string_view text) {
 uint32_t trimmedRight(std::string_view text) {
     return static_cast<uint32_t>(std::find_if_not(text.rbegin(), text.rend(), isBlank) -
                                  text.rbegin());
+}
+
+// The first such byte; `last` when there is none.
+char* findByte(char* first, char* last, char c) {
+    void* hit = std::memchr(first, c, static_cast<size_t>(last - first));
+    return hit == nullptr ? last : static_cast<char*>(hit);
 }
 
 void dropFront(String* s, uint32_t count) {
@@ -143,10 +150,17 @@ bool stringErase(String* s, uint32_t pos, uint32_t count) {
 uint32_t stringRemoveChar(String* s, char c, uint32_t start, uint32_t count) {
     const Range range(s, start, count);
     if (range.first == range.last) return 0;
-    char* text = stringBytes(s);
-    char* end = std::remove(text + range.first, text + range.last, c);
-    const uint32_t removed = static_cast<uint32_t>(text + range.last - end);
-    std::memmove(end, text + range.last, s->length - range.last);
+    char* const first = stringBytes(s) + range.first;
+    char* const last = stringBytes(s) + range.last;
+    char* end = findByte(first, last, c);
+    for (char* at = end; at != last;) {
+        char* const next = findByte(at + 1, last, c);
+        std::memmove(end, at + 1, static_cast<size_t>(next - at) - 1);
+        end += next - at - 1;
+        at = next;
+    }
+    const uint32_t removed = static_cast<uint32_t>(last - end);
+    std::memmove(end, last, s->length - range.last);
     stringSetLength(s, s->length - removed);
     return removed;
 }
@@ -194,12 +208,12 @@ bool stringReverse(String* s, uint32_t start, uint32_t count) {
 
 uint32_t stringReplaceChar(String* s, char from, char to, uint32_t start, uint32_t count) {
     const Range range(s, start, count);
+    if (range.first == range.last) return 0;
     uint32_t replaced = 0;
-    for (uint32_t i = range.first; i < range.last; ++i) {
-        if (stringBytes(s)[i] != from) continue;
-        stringBytes(s)[i] = to;
-        ++replaced;
-    }
+    char* const end = stringBytes(s) + range.last;
+    for (char* at = findByte(stringBytes(s) + range.first, end, from); at != end;
+         at = findByte(at + 1, end, from), ++replaced)
+        *at = to;
     return replaced;
 }
 

@@ -57,6 +57,26 @@ class BytesCopy {
     size_t size_;
 };
 
+// Whether normalising would leave the pattern as it is.
+bool isNormal(std::string_view pattern) {
+    for (size_t star = pattern.find(kAnyRun); star < pattern.size();
+         star = pattern.find(kAnyRun, star + 1)) {
+        const char next = star + 1 < pattern.size() ? pattern[star + 1] : 0;
+        if (next == kAnyRun || next == kAnyByte || (star > 0 && pattern[star - 1] == kAnyByte))
+            return false;
+    }
+    return true;
+}
+
+// Whether the text begins as the pattern does up to its first wildcard. Most
+// texts are refused here.
+bool hasPrefixOf(std::string_view text, std::string_view pattern) {
+    for (size_t at = 0; at < pattern.size() && pattern[at] != kAnyRun && pattern[at] != kAnyByte;
+         ++at)
+        if (at == text.size() || text[at] != pattern[at]) return false;
+    return true;
+}
+
 // Whether the pattern is one that needs no walk; then `result` is settled.
 bool shortcut(std::string_view text, std::string_view q, bool* result) {
     if (q == "*" || q == "?") {
@@ -95,6 +115,12 @@ bool walk(std::string_view text, std::string_view q) {
                 starPos = p;
                 continue;
             }
+            if (star && p == starPos + 1 && q[p] != kAnyByte) {
+                // What would be tried and given up byte by byte.
+                const size_t hit = text.find(q[p], t);
+                if (hit == std::string_view::npos) return false;
+                if (hit != t) retry = t = hit;
+            }
             const char c = text[t++];
             if (q[p] == kAnyByte || q[p] == c) continue;
             if (!star) return false;
@@ -108,17 +134,23 @@ bool walk(std::string_view text, std::string_view q) {
     }
 }
 
+bool matchNormal(std::string_view text, std::string_view q) {
+    bool result = false;
+    return shortcut(text, q, &result) ? result : walk(text, q);
+}
+
 bool matchNonEmpty(std::string_view text, std::string_view pattern, bool noCase) {
+    if (!noCase && !hasPrefixOf(text, pattern)) return false;
+    if (!noCase && isNormal(pattern)) return matchNormal(text, pattern);
     BytesCopy q(pattern);
     if (!q) return false;
     if (noCase) q.lower();
     q.normalisePattern();
-    bool result = false;
-    if (!noCase) return shortcut(text, q.view(), &result) ? result : walk(text, q.view());
+    if (!noCase) return matchNormal(text, q.view());
     BytesCopy lowered(text);
     if (!lowered) return false;
     lowered.lower();
-    return shortcut(lowered.view(), q.view(), &result) ? result : walk(lowered.view(), q.view());
+    return matchNormal(lowered.view(), q.view());
 }
 
 bool matchAt(const String* s, uint32_t pos, std::string_view pattern, bool noCase) {
