@@ -64,6 +64,13 @@ int commandOutOfMemory(ScriptEngine* engine, const char* name, std::source_locat
     return kOutOfMemory;
 }
 
+int commandFailed(ScriptEngine* engine, const char* name, const char* what,
+                  std::source_location where) {
+    logError(engine->logger, "%s: %s", name, what);
+    logLocation(engine->logger, kLogError, where);
+    return kError;
+}
+
 bool containerAdd(ScriptObject* container, ScriptObject* value) {
     switch (container->type) {
         case kTypeVector:
@@ -73,4 +80,37 @@ bool containerAdd(ScriptObject* container, ScriptObject* value) {
         default:
             return setInsert(container->set.set, value);
     }
+}
+
+bool containerAddText(ScriptObject* container, std::string_view text) {
+    Owned<ScriptObject> made(scriptObjectCreateString(text));
+    if (!made || !containerAdd(container, made.get())) return false;
+    made.release();
+    return true;
+}
+
+void mapLeaveEntry(ScriptObject* map, const MapNode* node) {
+    MapIterator* cursor = map->map.cursor;
+    if (mapIterIsValid(cursor) && cursor->iterator.node == node) rbTreeIterLeave(&cursor->iterator);
+}
+
+bool mapPut(ScriptObject* map, Owned<ScriptObject>* key, Owned<ScriptObject>* value) {
+    // The new key goes in, not only the value: `1` and `"1"` are equal and sort
+    // differently among others.
+    MapNode* node = mapFindNode(map->map.map, key->get());
+    if (node != nullptr) mapLeaveEntry(map, node);
+    const bool added = node == nullptr
+                           ? mapInsert(map->map.map, key->get(), value->get())
+                           : mapReplaceNode(map->map.map, node, key->get(), value->get(),
+                                            scriptObjectDestroyElement, scriptObjectDestroyElement);
+    if (!added) return false;
+    key->release();
+    value->release();
+    return true;
+}
+
+bool mapPutTexts(ScriptObject* map, std::string_view key, std::string_view value) {
+    Owned<ScriptObject> newKey(scriptObjectCreateString(key));
+    Owned<ScriptObject> newValue(scriptObjectCreateString(value));
+    return newKey && newValue && mapPut(map, &newKey, &newValue);
 }

@@ -74,7 +74,22 @@ int commandError(ScriptEngine* engine, const char* message, uint32_t number = 0)
 // Reports that memory ran out in the command of this name; gives `kOutOfMemory`.
 int commandOutOfMemory(ScriptEngine* engine, const char* name,
                        std::source_location where = std::source_location::current());
+// Reports what failed in the command of this name, and the place; gives `kError`.
+int commandFailed(ScriptEngine* engine, const char* name, const char* what,
+                  std::source_location where = std::source_location::current());
 
 // Adds a value, which the list, vector or set owns from then on; false when
 // memory runs out, and the value stays the caller's.
 bool containerAdd(ScriptObject* container, ScriptObject* value);
+// Adds a string object with a copy of the text.
+bool containerAddText(ScriptObject* container, std::string_view text);
+
+// Before an entry goes: the walk that stands there ends.
+void mapLeaveEntry(ScriptObject* map, const MapNode* node);
+// Puts an entry into a map in place of one with an equal key: one entry a key.
+// The map owns key and value from then on; false when memory runs out, and they
+// stay the caller's.
+bool mapPut(ScriptObject* map, Owned<ScriptObject>* key, Owned<ScriptObject>* value);
+// The same with string objects of copies of the texts, none of which may be a
+// part of the map.
+bool mapPutTexts(ScriptObject* map, std::string_view key, std::string_view value);

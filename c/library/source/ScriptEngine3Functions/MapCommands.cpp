@@ -13,12 +13,6 @@ struct Watched {
     uint32_t generation;
 };
 
-// The walk ends when the entry under its cursor goes.
-void leaveEntry(ScriptObject* map, const MapNode* node) {
-    MapIterator* cursor = map->map.cursor;
-    if (mapIterIsValid(cursor) && cursor->iterator.node == node) rbTreeIterLeave(&cursor->iterator);
-}
-
 // Gives a copy of an argument of `mapinsert`; null when the command ends with
 // what stands in `*status` then.
 ScriptObject* copyForEntry(ScriptEngine* engine, const ContainerArguments& in, ScriptObject* copy,
@@ -39,18 +33,7 @@ int scriptEngineMapInsert(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* 
     if (!value) return status;
     ScriptObject* map = in.container();
     if (!in.ok()) return in.status();
-    // The new key goes in, not only the value: `1` and `"1"` are equal and sort
-    // differently among others.
-    MapNode* node = mapFindNode(map->map.map, key.get());
-    if (node != nullptr) leaveEntry(map, node);
-    const bool added = node == nullptr
-                           ? mapInsert(map->map.map, key.get(), value.get())
-                           : mapReplaceNode(map->map.map, node, key.get(), value.get(),
-                                            scriptObjectDestroyElement, scriptObjectDestroyElement);
-    if (!added) return commandOutOfMemory(engine, "scriptEngineMapInsert");
-    key.release();
-    value.release();
-    return kDone;
+    return mapPut(map, &key, &value) ? kDone : commandOutOfMemory(engine, "scriptEngineMapInsert");
 }
 
 int scriptEngineMapErase(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
@@ -60,7 +43,7 @@ int scriptEngineMapErase(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* a
     if (!in.ok()) return in.status();
     MapNode* node = mapFindNode(map->map.map, key);
     if (node == nullptr) return kNegative;
-    leaveEntry(map, node);
+    mapLeaveEntry(map, node);
     mapEraseNode(map->map.map, node, scriptObjectDestroyElement, scriptObjectDestroyElement);
     return kDone;
 }

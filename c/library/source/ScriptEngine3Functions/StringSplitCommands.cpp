@@ -1,16 +1,10 @@
 #include "ScriptEngine3Functions/StringSplitCommands.h"
 
-#include "ScriptEngine3Defs/ScriptContainers.h"
+#include "ScriptEngine3Functions/ContainerArguments.h"
 #include "ScriptEngine3Functions/FlagArgument.h"
 #include "strings/StringFind.h"
 
 namespace {
-
-int outOfMemory(ScriptEngine* engine, const char* name) {
-    logError(engine->logger, "%s: #::100", name);
-    logLocation(engine->logger, kLogError);
-    return kOutOfMemory;
-}
 
 // Calls `store(item)` for each item until it gives false, and gives what the last
 // one gave. Each separator ends an item, so one at the very end makes no further
@@ -28,40 +22,15 @@ bool eachItem(std::string_view text, std::string_view separator, bool skipEmpty,
     return true;
 }
 
-bool addItem(ScriptObject* target, std::string_view item) {
-    Owned<ScriptObject> made(scriptObjectCreateString(item));
-    if (!made) return false;
-    bool added = false;
-    if (target->type == kTypeVector)
-        added = vectorAppend(target->vector.vector, made.get());
-    else if (target->type == kTypeList)
-        added = listPushBack(target->list.list, made.get());
-    else
-        added = setInsert(target->set.set, made.get());
-    if (added) made.release();
-    return added;
-}
-
-// One entry a key: the new pair takes the place of one that has an equal key.
-bool putPair(Map* map, std::string_view key, std::string_view value) {
-    Owned<ScriptObject> newKey(scriptObjectCreateString(key));
-    Owned<ScriptObject> newValue(scriptObjectCreateString(value));
-    if (!newKey || !newValue) return false;
-    mapEraseKey(map, newKey.get(), scriptObjectDestroyElement, scriptObjectDestroyElement);
-    if (!mapInsert(map, newKey.get(), newValue.get())) return false;
-    newKey.release();
-    newValue.release();
-    return true;
-}
-
 // A pair from an item; an item without separator is a key with an empty value.
-bool storeItemAsPair(Map* map, std::string_view item, std::string_view separator, bool skipEmpty) {
+bool storeItemAsPair(ScriptObject* map, std::string_view item, std::string_view separator,
+                     bool skipEmpty) {
     const size_t cut = item.find(separator);
     const std::string_view key = item.substr(0, cut);
     const std::string_view value =
         cut == std::string_view::npos ? std::string_view() : item.substr(cut + separator.size());
     if (key.empty() || (skipEmpty && value.empty())) return true;
-    return putPair(map, key, value);
+    return mapPutTexts(map, key, value);
 }
 
 // The commands that put the items of a text into a container. Names and places
@@ -83,9 +52,9 @@ int splitInto(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, const 
     const auto read = rule.flagOptional ? readOptionalFlag : readFlag;
     const int status = read(engine, block, &in, 3, rule.complaint, &skipEmpty);
     if (status != kDone) return status;
-    const auto add = [target](std::string_view item) { return addItem(target, item); };
+    const auto add = [target](std::string_view item) { return containerAddText(target, item); };
     if (eachItem(stringView(text), stringView(separator), skipEmpty, add)) return kDone;
-    return outOfMemory(engine, rule.name);
+    return commandOutOfMemory(engine, rule.name);
 }
 
 constexpr SplitRule kToVector = {
@@ -143,10 +112,10 @@ int scriptEngineStrToMap(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* a
     if (status != kDone) return status;
     // A pair that is replaced may hold what is read here.
     if (mapCount(target->map.map) > 0 && !in.keepTexts())
-        return outOfMemory(engine, "scriptEngineStrToMap");
+        return commandOutOfMemory(engine, "scriptEngineStrToMap");
     const auto store = [&](std::string_view item) {
-        return storeItemAsPair(target->map.map, item, stringView(keySeparator), skipEmpty);
+        return storeItemAsPair(target, item, stringView(keySeparator), skipEmpty);
     };
     if (eachItem(stringView(text), stringView(itemSeparator), skipEmpty, store)) return kDone;
-    return outOfMemory(engine, "scriptEngineStrToMap");
+    return commandOutOfMemory(engine, "scriptEngineStrToMap");
 }
