@@ -24,7 +24,8 @@ using OsLastWords = bool (*)(unsigned milliseconds);
 // was taken, ends the process as if there were no such arrangement, and an
 // interrupt from the keyboard always does; `lastWords` (may be null) is called
 // first. What the process was started to ignore it goes on ignoring, except a
-// request to stop. Writing to a reader that has gone becomes an error number.
+// request to stop. Writing to a reader that has gone, or beyond the limit of a
+// file's size, becomes an error number.
 // Gives the system's error number, 0 for success.
 int osStopMessagesStart(OsLastWords lastWords);
 

@@ -26,6 +26,8 @@ constexpr int kExitOfSignal = 128;
 
 // SIGTERM asks; the others end the process, after what was printed has gone out.
 constexpr int kEndingSignals[] = {SIGINT, SIGHUP, SIGQUIT};
+// They end who writes where nobody reads, or beyond the limit of a file's size.
+constexpr int kWriterSignals[] = {SIGPIPE, SIGXFSZ};
 
 constinit thread_local uintptr_t stackLimit = 0;
 // Whose queue a request to stop goes to; the lock keeps one from being posted
@@ -36,7 +38,7 @@ OsLastWords sayLastWords = nullptr;
 sigset_t originalMask;
 sigset_t caughtSignals;
 bool arranged = false;
-bool pipeSignalWasDefault = true;
+sigset_t writerSignals;  // those that we ignore and our children need not
 
 void setAction(int signal, void (*action)(int)) {
     struct sigaction change {};
@@ -193,8 +195,11 @@ int osStopMessagesStart(OsLastWords lastWords) {
     setAction(SIGTERM, SIG_DFL);
     for (const int signal : kEndingSignals)
         if (!isIgnored(signal)) sigaddset(&caughtSignals, signal);
-    pipeSignalWasDefault = !isIgnored(SIGPIPE);
-    setAction(SIGPIPE, SIG_IGN);
+    sigemptyset(&writerSignals);
+    for (const int signal : kWriterSignals) {
+        if (!isIgnored(signal)) sigaddset(&writerSignals, signal);
+        setAction(signal, SIG_IGN);
+    }
     pthread_sigmask(SIG_BLOCK, &caughtSignals, &originalMask);
     arranged = true;
     const int error = startSignalThread();
@@ -210,10 +215,7 @@ int posixChildSignals(posix_spawnattr_t* attributes) {
     if (!arranged) return 0;
     short flags = 0;
     int error = posix_spawnattr_getflags(attributes, &flags);
-    sigset_t defaults;
-    sigemptyset(&defaults);
-    if (pipeSignalWasDefault) sigaddset(&defaults, SIGPIPE);
-    if (error == 0) error = posix_spawnattr_setsigdefault(attributes, &defaults);
+    if (error == 0) error = posix_spawnattr_setsigdefault(attributes, &writerSignals);
     if (error == 0) error = posix_spawnattr_setsigmask(attributes, &originalMask);
     flags |= POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK;
     return error == 0 ? posix_spawnattr_setflags(attributes, flags) : error;
