@@ -73,7 +73,8 @@ void bfileDestroy(BasicFile** file) {
     if (file == nullptr || *file == nullptr) return;
     BasicFile* record = *file;
     logTrace(record->logger, "BasicFile %i: Destroying object", record->identity);
-    if (!fileStreamRelease(&record->stream)) {
+    const bool lossTold = record->stream != nullptr && record->stream->lossTold;
+    if (!fileStreamRelease(&record->stream) && !lossTold) {
         logError(record->logger, "bfileClose: #::216 - file %i", record->name, record->identity);
         logLocation(record->logger, kLogError);
     }
@@ -137,6 +138,7 @@ FileStatus bfileClose(BasicFile* file) {
         return kFileNotOpen;
     }
     if (!fileStreamClose(file->stream)) {
+        file->stream->lossTold = true;
         logError(file->logger, "bfileClose: #::216 - file %i", file->name, file->identity);
         logLocation(file->logger, kLogError);
         return kFileCannotClose;

@@ -6,17 +6,14 @@
 
 namespace {
 
-// The bytes at which a text read stops. Bytes above 127 never match: a stop
-// counts as signed and a byte of the file does not.
+// Any set of bytes at which a text read stops. Bytes above 127 never match: a
+// stop counts as signed and a byte of the file does not.
 class StopSet {
   public:
     explicit StopSet(const char* stops) {
         for (; stops != nullptr && *stops != 0; ++stops) {
             const auto byte = static_cast<unsigned char>(*stops);
-            if (byte > 127) continue;
-            if (count_ == 0) only_ = *stops;
-            if (count_ == 0 || byte != static_cast<unsigned char>(only_)) ++count_;
-            bits_[byte / 64] |= uint64_t{1} << byte % 64;
+            if (byte < 128) bits_[byte / 64] |= uint64_t{1} << byte % 64;
         }
     }
 
@@ -27,8 +24,6 @@ class StopSet {
 
     // Place of the first stop, or the length of the text.
     size_t find(std::string_view text) const {
-        if (count_ == 0) return text.size();
-        if (count_ == 1) return std::min(text.find(only_), text.size());
         size_t at = 0;
         while (at < text.size() && !has(text[at])) ++at;
         return at;
@@ -36,8 +31,17 @@ class StopSet {
 
   private:
     uint64_t bits_[2] = {0, 0};
-    uint32_t count_ = 0;
-    char only_ = 0;
+};
+
+// The set of one such byte.
+class OneStop {
+  public:
+    explicit OneStop(char stop) : stop_(stop) {}
+    bool has(char c) const { return c == stop_; }
+    size_t find(std::string_view text) const { return std::min(text.find(stop_), text.size()); }
+
+  private:
+    char stop_;
 };
 
 // Keeps the record's line counters over the bytes that one read passes.
@@ -140,22 +144,23 @@ FileStatus bfileRead(BasicFile* file, String* out, uint32_t count) {
     return file->atEnd != 0 && out->length == 0 ? kFileAtEnd : kFileDone;
 }
 
-FileStatus bfileReadUntilFirst(BasicFile* file, String* out, const char* stops, char* hit,
-                               uint32_t limit) {
+namespace {
+
+template <typename Stops>
+FileStatus readText(BasicFile* file, String* out, const Stops& stops, char* hit, uint32_t limit) {
     if (hit != nullptr) *hit = 0;
     if (file == nullptr || out == nullptr) return kFileNull;
     if (!bfileIsReadable(file))
         return failed(file, kFileWrongMode, "bfileReadUntilFirst: #::223 - file %i");
     stringClear(out);
-    const StopSet stopSet(stops);
-    LineCounter lines(file, stopSet.has('\n'));
+    LineCounter lines(file, stops.has('\n'));
     FileStream* stream = file->stream;
     while (fileStreamFill(stream)) {
         // No more than may still be taken: so the limit is reached at the end of a
         // piece or not at all.
         const uint32_t room = std::max(limit - out->length, 1u);
         const std::string_view piece = fileStreamReady(stream).substr(0, room);
-        const size_t stop = stopSet.find(piece);
+        const size_t stop = stops.find(piece);
         const bool stopped = stop < piece.size();
         lines.pass(piece.substr(0, stopped ? stop + 1 : stop));
         const bool whole = appendWithoutReturns(out, piece.substr(0, stop));
@@ -169,12 +174,20 @@ FileStatus bfileReadUntilFirst(BasicFile* file, String* out, const char* stops, 
     return endOfText(file, out);
 }
 
+}  // namespace
+
+FileStatus bfileReadUntilFirst(BasicFile* file, String* out, const char* stops, char* hit,
+                               uint32_t limit) {
+    const bool isOne = stops != nullptr && static_cast<signed char>(stops[0]) > 0 && stops[1] == 0;
+    if (isOne) return readText(file, out, OneStop(stops[0]), hit, limit);
+    return readText(file, out, StopSet(stops), hit, limit);
+}
+
 FileStatus bfileReadUntil(BasicFile* file, String* out, char stop, char* hit, uint32_t limit) {
     const char stops[] = {stop, 0};
     return bfileReadUntilFirst(file, out, stops, hit, limit);
 }
 
 FileStatus bfileReadLine(BasicFile* file, String* out, uint32_t limit) {
-    char hit = 0;
-    return bfileReadUntilFirst(file, out, "\n", &hit, limit);
+    return readText(file, out, OneStop('\n'), nullptr, limit);
 }

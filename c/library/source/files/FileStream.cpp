@@ -4,6 +4,8 @@
 #include <atomic>
 #include <cstring>
 
+#include "logger/StandardOutput.h"
+
 static_assert(kFileRead == kOsOpenRead && kFileWrite == kOsOpenWrite &&
               kFileAppend == kOsOpenAppend && kFileReadWrite == kOsOpenReadWrite &&
               kFileWriteRead == kOsOpenWriteRead && kFileAppendRead == kOsOpenAppendRead);
@@ -28,9 +30,15 @@ bool turnToWriting(FileStream* stream) {
     return true;
 }
 
+// Before the system is asked for what may take its time.
+void mayWait(bool waits) {
+    if (waits) outputFlush();
+}
+
 // One read of the system's into `out`. Notes the end and a failure.
 size_t readOnce(FileStream* stream, char* out, size_t count) {
     size_t got = 0;
+    mayWait(stream->waits);
     stream->failed = osFileRead(stream->file, out, count, &got) != 0;
     if (stream->failed) got = 0;
     if (got == 0) stream->ended = true;
@@ -52,6 +60,8 @@ FileStatus fileStreamOpen(std::string_view name, uint32_t mode, FileStream** str
     if (made == nullptr) return kFileNoMemory;
     // The block stays as it comes: clearing it would cost more than a small file's reading.
     std::memset(static_cast<void*>(made), 0, offsetof(FileStream, block));
+    made->waits = osPathWaits(name);
+    mayWait(made->waits);
     if (osFileOpen(name, mode, &made->file) != 0) {
         memFree(&made);
         return kFileCannotOpen;
@@ -122,6 +132,7 @@ size_t fileStreamWrite(FileStream* stream, const char* data, size_t count) {
     if (count > kFileBlockSize - stream->pending && !fileStreamFlush(stream)) return 0;
     if (count >= kFileBlockSize) {
         size_t written = 0;
+        mayWait(stream->waits);
         osFileWrite(stream->file, data, count, &written);
         return written;
     }
@@ -133,6 +144,7 @@ size_t fileStreamWrite(FileStream* stream, const char* data, size_t count) {
 bool fileStreamFlush(FileStream* stream) {
     if (stream->pending == 0) return true;
     size_t written = 0;
+    mayWait(stream->waits);
     const int error = osFileWrite(stream->file, stream->block, stream->pending, &written);
     stream->pending -= written;
     std::memmove(stream->block, stream->block + written, stream->pending);

@@ -19,8 +19,10 @@ struct FileStream {
     uint32_t mode;
     uint32_t records;
     bool open;
-    bool ended;   // a read has met the end, or failed; reading stays ended until a write
-    bool failed;  // the last read failed
+    bool ended;     // a read has met the end, or failed; reading stays ended until a write
+    bool failed;    // the last read failed
+    bool lossTold;  // a close has failed, and its caller knows
+    bool waits;     // the other side is not a disk: what was printed goes out before
     // The block holds either bytes that were read and are not taken yet, or bytes
     // that are still to be written, which begin at 0; never both.
     size_t readAt;

@@ -28,6 +28,10 @@ enum OsOpenMode : uint32_t {
 // directory is refused in every mode. The caller ends the file with `osFileClose`.
 int osFileOpen(std::string_view path, uint32_t mode, OsFile* file);
 
+// Whether opening, reading or writing what is at the path can wait for someone
+// else, as with a pipe, a terminal or a device.
+bool osPathWaits(std::string_view path);
+
 // Reads up to `size` bytes and tells how many came; 0 is the end of the file. May
 // give fewer than asked for (a pipe, a terminal) although more will follow.
 int osFileRead(OsFile file, void* buffer, size_t size, size_t* got);

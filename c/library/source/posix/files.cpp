@@ -56,6 +56,12 @@ int osFileOpen(std::string_view path, uint32_t mode, OsFile* file) {
     return 0;
 }
 
+bool osPathWaits(std::string_view path) {
+    struct stat status;
+    if (stat(SystemPath(path).c_str(), &status) != 0) return false;
+    return !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
+}
+
 int osFileRead(OsFile file, void* buffer, size_t size, size_t* got) {
     ssize_t count;
     do {

@@ -91,6 +91,14 @@ int osFileOpen(std::string_view path, uint32_t mode, OsFile* file) {
     return 0;
 }
 
+bool osPathWaits(std::string_view path) {
+    // Pipes and devices have a name space of their own; the full path of a short
+    // name such as "con" leads into it.
+    char full[MAX_PATH];
+    DWORD length = GetFullPathNameA(AnsiPath(path).c_str(), sizeof full, full, nullptr);
+    return length < sizeof full && std::string_view(full, length).starts_with("\\\\.\\");
+}
+
 int osFileRead(OsFile file, void* buffer, size_t size, size_t* got) {
     int count = _read(file, buffer, static_cast<unsigned>(std::min(size, kLargestBlock)));
     if (count < 0) return lastFileError();
