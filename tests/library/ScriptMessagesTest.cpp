@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -514,6 +515,60 @@ TEST_F(ScriptMessages, OfContainers) {
     number = 0;
     for (const auto& [text, messages] : cases)
         EXPECT_EQ(messages + "\n", run("f" + std::to_string(number++))) << text;
+}
+
+TEST_F(ScriptMessages, OfFiles) {
+    const std::filesystem::path folder = "ScriptMessagesTest.tmp";
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / "long") << std::string(4095, 'x') << "\n" << std::string(4096, 'y');
+    std::ofstream(folder / "huge").close();
+    std::filesystem::resize_file(folder / "huge", 5368709120);
+    const std::string noFile = "bfileOpen: Cannot open file \"ScriptMessagesTest.tmp/n/o\"\n";
+    const std::string open = "fileopen f \"ScriptMessagesTest.tmp/long\" \"read\"\n";
+    const Case cases[] = {
+        {"fileopen n \"x\" \"read\"", "Parameter 1 must be a \"file\""},
+        {"fileopen f \"x\" \"Read\"", "scriptEngineFileOpen: Invalid file mode"},
+        {"fileopen f @n/o\" \"read\"", noFile + "scriptEngineFileOpen: Failed to open file"},
+        {"fileopen f @long/x/y\" \"append\"",
+         "scriptEngineFileOpen: Could not access directory of \"ScriptMessagesTest.tmp/long/x/y\""},
+        {"fileread f 1 s", "scriptEngineFileRead: File not opened for reading"},
+        {"filereadline f s", "scriptEngineFileReadLine: File not opened for reading"},
+        {"filereaduntil f \";\" s", "scriptEngineFileReadUntil: File not opened for reading"},
+        {open + "fileread f 1 f", "Parameter 1 must be a \"file\""},
+        {open + "fileread f \"1\" s", "Parameter 2 must be a \"number\""},
+        {open + "filewrite f s", "scriptEngineFileWrite: File not opened for writing"},
+        {open + "filewriteline f s", "scriptEngineFileWriteLine: File not opened for writing"},
+        {"filewrite f 1", "Parameter 2 must be a \"string\""},
+        {open + "filereadline f s\nlogerror ( \"\" . &sizeof s )\nfilereadline f s",
+         "4095\nscriptEngineFileReadLine: Failed to read"},
+        {open + "filereaduntil f \"y\" s\nfilereaduntil f \";\" s",
+         "scriptEngineFileReadUntil: Failed to read"},
+        {"filetostr @huge\" s", "scriptEngineFileToStr: Failed to read from file"},
+        {"fileopen f @huge\" \"read\"\nsize f n\nlogerror ( n . \" \" . &fsize @huge\" )",
+         "1073741824 5368709120"},
+        {"vecappend w 1\nfiletovector @long\" w",
+         "scriptEngineFileToVector: Failed to read from file"},
+        {"filetolines @n/o\" s", noFile + "scriptEngineFileToLines: Failed to open file"},
+        {"filetolines @long\" s s s s", "scriptEngineFileToLines: Failed to read from file"},
+        {"filetolist @n/o\" l\nstrtofile s @n/o\"",
+         noFile + "scriptEngineStrToFile: Failed to open file"},
+        {"vectortofile l @x\"", "Parameter 1 must be a \"vector\""},
+        {"listappend l \"1\" 2\nlisttofile l @x\"",
+         "scriptEngineListToFile: Failed to write to file"},
+        {"mapset m 1 a\nmaptofile m \"=\" @x\"", "scriptEngineMapToFile: Failed to write to file"},
+        {"linestofile @x\" 1 l u", "scriptEngineLinesToFile: Parameter 3 has no value"},
+    };
+    std::string script;
+    for (size_t number = 0; const Case& one : cases) {
+        script += "function f" + std::to_string(number++) + "\nfile f\n" + kVariables + one.script;
+        for (size_t at; (at = script.find('@')) != script.npos;)
+            script.replace(at, 1, "\"ScriptMessagesTest.tmp/");
+        script += "\nend\n";
+    }
+    ASSERT_TRUE(parse(script)) << heard;
+    for (size_t number = 0; const auto& [text, messages] : cases)
+        EXPECT_EQ(messages + "\n", run("f" + std::to_string(number++))) << text;
+    std::filesystem::remove_all(folder);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include "ScriptEngine3/FlowCommands.h"
 #include "ScriptEngine3Functions/ConsoleCommands.h"
 #include "ScriptEngine3Functions/DeclareCommands.h"
+#include "ScriptEngine3Functions/FileCommands.h"
 #include "ScriptEngine3Functions/ListCommands.h"
 #include "ScriptEngine3Functions/LogCommands.h"
 #include "ScriptEngine3Functions/MapCommands.h"
@@ -13,6 +14,7 @@
 #include "ScriptEngine3Functions/TreeCommands.h"
 #include "ScriptEngine3Functions/ValueCommands.h"
 #include "ScriptEngine3Functions/VectorCommands.h"
+#include "ScriptEngine3Functions/WholeFileCommands.h"
 
 std::span<const CommandFamily> commandFamilies() {
     static const CommandFamily families[] = {

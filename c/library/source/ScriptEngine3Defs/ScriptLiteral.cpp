@@ -116,3 +116,10 @@ bool scriptObjectSetStringValue(ScriptEngine* engine, ScriptObject* object, std:
             return false;
     }
 }
+
+bool scriptObjectTakeStringValue(ScriptObject* object, String* text) {
+    if (isQuoted(stringView(text))) return setString(object, stringView(text));
+    stringReplaceChar(text, kQuoteMark, '"');
+    std::swap(object->string, *text);
+    return true;
+}

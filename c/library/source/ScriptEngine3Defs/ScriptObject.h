@@ -196,6 +196,9 @@ ScriptType scriptObjectLiteralType(std::string_view text);
 inline bool scriptObjectAssign(ScriptEngine* engine, ScriptObject* target, ScriptObject* source);
 // Sets a number, string or file from text; on a pointer renames its target.
 bool scriptObjectSetStringValue(ScriptEngine* engine, ScriptObject* object, std::string_view text);
+// The same for a string and a text that nobody needs any more: mostly the object
+// gets its buffer and it gets the object's, with old bytes in it.
+bool scriptObjectTakeStringValue(ScriptObject* object, String* text);
 // The value as text, owned by the caller; null when it has none. `scope` is
 // the block in which an expression is evaluated.
 String* scriptObjectGetString(ScriptEngine* engine, const ScriptObject* object,

@@ -24,17 +24,6 @@ int missing(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
     return scriptEngineMissingCommand(engine, kName.text);
 }
 
-constexpr CommandRow kFileObjectCommands[] = {
-    {"fileopen", missing<"fileopen">, 3, 3, "1"},
-    {"fileclose", missing<"fileclose">, 1, 1, "1"},
-    {"fileread", missing<"fileread">, 3, 3, "1,3"},
-    {"filereadline", missing<"filereadline">, 2, 2, "1,2"},
-    {"filereaduntil", missing<"filereaduntil">, 3, 3, "1,3"},
-    {"filewrite", missing<"filewrite">, 2, 2, "1", kInBlock, false, kSigned},
-    {"filewriteline", missing<"filewriteline">, 2, 2, "1", kInBlock, false, kSigned},
-    {"fileateof", missing<"fileateof">, 1, 1, "1"},
-};
-
 constexpr CommandRow kParserCommands[] = {
     {"parserparse", missing<"parserparse">, 4, 4, "1,4"},
     {"parsergetsize", missing<"parsergetsize">, 3, 3, "1,3"},
@@ -70,22 +59,6 @@ constexpr CommandRow kConfigCommands[] = {
 constexpr CommandRow kLockCommands[] = {
     {"setlock", missing<"setlock">, 1, 2, nullptr},
     {"removelock", missing<"removelock">, 1, 1, nullptr},
-};
-
-constexpr CommandRow kWholeFileCommands[] = {
-    {"filetostr", missing<"filetostr">, 2, 2, "2"},
-    {"strtofile", missing<"strtofile">, 2, 2, nullptr, kInBlock, false, kSigned},
-    {"appendstrtofile", missing<"appendstrtofile">, 2, 2, nullptr, kInBlock, false, kSigned},
-    {"filetovector", missing<"filetovector">, 2, 2, "2"},
-    {"vectortofile", missing<"vectortofile">, 2, 2, "1", kInBlock, false, kSigned},
-    {"filetolist", missing<"filetolist">, 2, 2, "2"},
-    {"listtofile", missing<"listtofile">, 2, 2, "1", kInBlock, false, kSigned},
-    {"filetoset", missing<"filetoset">, 2, 2, "2"},
-    {"settofile", missing<"settofile">, 2, 2, "1", kInBlock, false, kSigned},
-    {"filetomap", missing<"filetomap">, 3, 3, "3"},
-    {"maptofile", missing<"maptofile">, 3, 3, "1", kInBlock, false, kSigned},
-    {"filetolines", missing<"filetolines">, 2, kManyArgs, "2-100"},
-    {"linestofile", missing<"linestofile">, 2, kManyArgs, nullptr, kInBlock, false, kSigned},
 };
 
 constexpr CommandRow kDirectoryCommands[] = {
@@ -179,9 +152,6 @@ int scriptEngineMissingCommand(ScriptEngine* engine, const char* name) {
     return kError;
 }
 
-std::span<const CommandRow> fileObjectCommands() {
-    return kFileObjectCommands;
-}
 std::span<const CommandRow> parserCommands() {
     return kParserCommands;
 }
@@ -193,9 +163,6 @@ std::span<const CommandRow> configCommands() {
 }
 std::span<const CommandRow> lockCommands() {
     return kLockCommands;
-}
-std::span<const CommandRow> wholeFileCommands() {
-    return kWholeFileCommands;
 }
 std::span<const CommandRow> directoryCommands() {
     return kDirectoryCommands;

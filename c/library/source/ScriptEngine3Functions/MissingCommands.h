@@ -10,12 +10,10 @@
 // Logs that the command is missing from this build; gives the status for it.
 int scriptEngineMissingCommand(ScriptEngine* engine, const char* name);
 
-std::span<const CommandRow> fileObjectCommands();
 std::span<const CommandRow> parserCommands();
 std::span<const CommandRow> recordCommands();
 std::span<const CommandRow> configCommands();
 std::span<const CommandRow> lockCommands();
-std::span<const CommandRow> wholeFileCommands();
 std::span<const CommandRow> directoryCommands();
 std::span<const CommandRow> processCommands();
 std::span<const CommandRow> registryCommands();
