@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -64,7 +65,8 @@ TEST(ThreadSignalTest, ARequestToStopIsAMessageAndOthersEndTheProcess) {
     EXPECT_EXIT(osRaiseIntegerDivisionFault(), KilledBySignal(SIGFPE), "");
 }
 
-// Writes to a pipe that nobody reads, here and then in a child of ours.
+// Writes to a pipe that nobody reads, and a file that has no room, here; and to
+// the pipe in a child of ours.
 [[noreturn]] void writeToNobody() {
     osStopMessagesStart(nullptr);
     int ends[2];
@@ -72,6 +74,10 @@ TEST(ThreadSignalTest, ARequestToStopIsAMessageAndOthersEndTheProcess) {
     close(ends[0]);
     close(ends[1]);
     if (osConsoleWrite(OsOutput::Standard, "x", 1, nullptr) != EPIPE) exit(2);
+    const rlimit noFile = {0, 0};
+    setrlimit(RLIMIT_FSIZE, &noFile);
+    FILE* file = tmpfile();
+    if (file == nullptr || write(fileno(file), "x", 1) != -1 || errno != EFBIG) exit(5);
     posix_spawnattr_t attributes;
     posix_spawnattr_init(&attributes);
     if (posixChildSignals(&attributes) != 0) exit(3);
@@ -86,7 +92,7 @@ TEST(ThreadSignalTest, ARequestToStopIsAMessageAndOthersEndTheProcess) {
     exit(WIFSIGNALED(status) && WTERMSIG(status) == SIGPIPE ? kStopped : 6);
 }
 
-TEST(ThreadSignalTest, ABrokenPipeIsAnErrorHereAndTheUsualInChildren) {
+TEST(ThreadSignalTest, ABrokenPipeOrAFullFileIsAnErrorHereAndTheUsualInChildren) {
     EXPECT_EXIT(writeToNobody(), testing::ExitedWithCode(kStopped), "");
 }
 
