@@ -4,12 +4,14 @@
 Each folder here is a workload with one program a language, written as its users
 would write it for speed; all must print the same. The fastest of the rounds
 counts, and the rounds of all languages take turns, so that a busy machine slows
-them alike. bash, mostly far slower, runs once.
+them alike. bash, mostly far slower, runs once. The programs run in a folder of
+build/bench, which has the files that they read.
 """
 
 import argparse
 import os
 import pathlib
+import shutil
 import subprocess
 import sys
 import time
@@ -17,7 +19,7 @@ import time
 HERE = pathlib.Path(__file__).resolve().parent
 WORK = HERE.parent / "build" / "bench"
 WORKLOADS = ("empty", "loop", "calls", "string", "expression", "split", "replace", "vector", "map",
-             "set", "tree")
+             "set", "tree", "filter", "lines", "wholefile")
 RUNS_OF_EMPTY = 40
 PARSED_FUNCTIONS = 5000     # of 20 lines each
 
@@ -29,6 +31,9 @@ WAITS = {
     "python": 'import sys\nprint("ready", flush=True)\nsys.stdin.readline()\n',
     "bash": "echo ready\nread -r line\n",
 }
+
+LOG_LINES = 1000000
+LARGE_SIZE = 500 * 1000 * 1000
 
 # One function of the program that is parsed; each is about the same in every language.
 PARSED = {
@@ -97,11 +102,47 @@ def parsers(program):
     }
 
 
-def measure(command):
-    """Runs a command; gives wall seconds, CPU seconds and what it printed."""
+def write_log(path):
+    """Writes a log of 75 MB; one line in 70 is an error of the later year."""
+    levels = ("INFO ",) * 18 + ("DEBUG",) * 12 + ("WARN ",) * 4 + ("ERROR",)
+    with open(path, "w", encoding="ascii") as file:
+        for i in range(LOG_LINES):
+            file.write(f"{2025 + i * 2 // LOG_LINES}-{1 + i % 12:02}-{1 + i % 28:02} "
+                       f"{i % 24:02}:{i % 60:02}:{i % 59:02} {levels[i * 7919 % len(levels)]} "
+                       f"[worker-{i % 16:02}] request {i:07} took {i * 31 % 1000:03} ms, "
+                       f"state {i % 8}\n")
+
+
+def write_large(path):
+    line = b"0123456789 " * 7 + b"ends\r\n"
+    with open(path, "wb") as file:
+        for _ in range(LARGE_SIZE // len(line) // 1000):
+            file.write(line * 1000)
+
+
+# The files that a workload reads, and what writes them.
+READ_FILES = {
+    "filter": {"log.txt": write_log},
+    "lines": {"log.txt": write_log},
+    "wholefile": {"large.txt": write_large},
+}
+
+
+def prepare(workload):
+    """Gives the folder that a workload runs in, a copy of its own with the files that it reads."""
+    folder = WORK / workload
+    shutil.copytree(HERE / workload, folder, dirs_exist_ok=True)
+    for name, write in READ_FILES.get(workload, {}).items():
+        if not folder.joinpath(name).exists():
+            write(folder / name)
+    return folder
+
+
+def measure(command, folder):
+    """Runs a command; gives wall seconds, CPU seconds, greatest size in KiB, what it printed."""
     began = time.perf_counter()
-    process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                               stderr=subprocess.STDOUT)
+    process = subprocess.Popen(command, cwd=folder, stdin=subprocess.DEVNULL,
+                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
     output = process.stdout.read().decode(errors="replace")
     _, status, usage = os.wait4(process.pid, 0)
     wall = time.perf_counter() - began
@@ -109,20 +150,19 @@ def measure(command):
     process.stdout.close()
     if process.returncode != 0:
         sys.exit(f"{' '.join(command)} ended with {process.returncode}:\n{output[-2000:]}")
-    return wall, usage.ru_utime + usage.ru_stime, output.strip()
+    return wall, usage.ru_utime + usage.ru_stime, usage.ru_maxrss, output.strip()
 
 
-def best(runs, rounds, compare=True):
-    """Gives the least wall and the least CPU seconds of each language, and their one answer."""
+def best(runs, rounds, folder, compare=True):
+    """Gives the least wall and CPU seconds and size of each language, and their one answer."""
     times = {}
     answers = {}
     for turn in range(rounds):
         for language, command in runs.items():
             if language == "bash" and turn > 0 and times["bash"][0] > 0.1:
                 continue
-            wall, cpu, answer = measure(command)
-            before = times.get(language, (wall, cpu))
-            times[language] = (min(before[0], wall), min(before[1], cpu))
+            *figures, answer = measure(command, folder)
+            times[language] = tuple(map(min, figures, times.get(language, figures)))
             answers[language] = answer
     if compare and len(set(answers.values())) != 1:
         sys.exit(f"the answers differ: {answers}")
@@ -185,6 +225,7 @@ def main():
     parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("names", nargs="*", help="workloads, parse or memory; all without a name")
     arguments = parser.parse_args()
+    arguments.program = os.path.abspath(arguments.program)
     languages = commands(arguments.program)
     WORK.mkdir(parents=True, exist_ok=True)
     os.environ["PATH"] = f"{pathlib.Path(arguments.program).parent}:{os.environ['PATH']}"
@@ -198,17 +239,22 @@ def main():
     answers = []
     row("seconds", [*languages, "/fastest", "/lua"])
     for workload in filter(wanted, WORKLOADS):
-        runs = {language: start + [str(source(workload, language))]
+        folder = prepare(workload)
+        runs = {language: start + [str(folder / source(workload, language).name)]
                 for language, (start, _) in languages.items()
                 if source(workload, language).exists()}
-        times, answer = best(runs, RUNS_OF_EMPTY if workload == "empty" else arguments.rounds)
+        times, answer = best(runs, RUNS_OF_EMPTY if workload == "empty" else arguments.rounds,
+                             folder)
         print_times(workload, times, languages)
         if workload == "empty":
             print_times("empty, CPU", times, languages, 1)
         else:
             answers.append(f"{workload} {answer}")
+        if workload == "wholefile":
+            row("wholefile, memory", [f"{times[language][2] * 1024 / LARGE_SIZE:.2f}"
+                                      for language in times] + ["x its size"])
     if wanted("parse"):
-        times, _ = best(parse_runs(arguments.program), arguments.rounds, compare=False)
+        times, _ = best(parse_runs(arguments.program), arguments.rounds, WORK, compare=False)
         print_times("parse", times, languages)
     print("/fastest: against the fastest of tcl, perl and python")
     print("answers, the same from all:", ", ".join(answers))

@@ -1,0 +1,10 @@
+use strict;
+use warnings;
+open my $in, '<', "log.txt" or die;
+my @lines = <$in>;
+close $in;
+chomp @lines;
+open my $out, '>', "copy-perl.txt" or die;
+print $out "$_\n" for @lines;
+close $out or die;
+print scalar(@lines), " ", -s "copy-perl.txt", " $lines[777777]\n";

@@ -1,0 +1,3 @@
+with open("large.txt", "rb") as source:
+    text = source.read().replace(b"\r", b"")
+print(len(text))
