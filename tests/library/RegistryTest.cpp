@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <string>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "containers/Memory.h"
@@ -70,55 +71,47 @@ TEST_F(RegistryTest, NothingIsThereBeforeAWriteAndReadingMakesNothing) {
 }
 
 TEST_F(RegistryTest, TextsOfEveryTypeLoseTheirTrailingZeros) {
-    struct {
-        uint32_t type;
-        std::string_view bytes;
-        RegResult result;
-        std::string_view found;
-        bool isExpand;
-    } cases[] = {
-        {kOsRegString, {"plain", 5}, RegResult::Done, "plain", false},
-        {kOsRegExpandString, {"%x%\0", 4}, RegResult::Done, "%x%", true},
-        {kOsRegBinary, {"a\0b\0\0", 5}, RegResult::Done, {"a\0b", 3}, false},
-        {kOsRegMultiString, {"a\0b\0\0", 5}, RegResult::Done, {"a\0b", 3}, false},
-        {kOsRegString, {"", 0}, RegResult::Done, "", false},
-        {kOsRegBinary, {"\0\0", 2}, RegResult::Done, "", false},
-        {kOsRegNumber, {"\1\0\0\0", 4}, RegResult::OtherType, "old", false},
-        {11, {"12345678", 8}, RegResult::OtherType, "old", false},
-    };
+    using std::string_view_literals::operator""sv;
+    const std::tuple<uint32_t, std::string_view, RegResult, std::string_view, bool> cases[] = {
+        {kOsRegString, "plain", RegResult::Done, "plain", false},
+        {kOsRegExpandString, "%x%\0"sv, RegResult::Done, "%x%", true},
+        {kOsRegBinary, "a\0b\0\0"sv, RegResult::Done, "a\0b"sv, false},
+        {kOsRegMultiString, "a\0b\0\0"sv, RegResult::Done, "a\0b"sv, false},
+        {kOsRegString, "", RegResult::Done, "", false},
+        {kOsRegBinary, "\0\0"sv, RegResult::Done, "", false},
+        {kOsRegNumber, "\1\0\0\0"sv, RegResult::OtherType, "old", false},
+        {11, "12345678", RegResult::OtherType, "old", false}};
     Owned<String> key(text(kKey));
-    for (const auto& row : cases) {
-        ASSERT_EQ(RegResult::Done, regSetValue(kOsCurrentUser, key.get(), text("v").get(), row.type,
-                                               row.bytes.data(), row.bytes.size()));
+    for (const auto& [type, bytes, result, wanted, wantedExpand] : cases) {
+        ASSERT_EQ(RegResult::Done, regSetValue(kOsCurrentUser, key.get(), text("v").get(), type,
+                                               bytes.data(), bytes.size()));
         std::string found;
         bool isExpand = false;
-        EXPECT_EQ(row.result, get(kKey, "v", &found, &isExpand)) << row.type;
-        EXPECT_EQ(row.found, found) << row.type;
-        EXPECT_EQ(row.isExpand, isExpand) << row.type;
+        EXPECT_EQ(result, get(kKey, "v", &found, &isExpand)) << type;
+        EXPECT_EQ(wanted, found) << type;
+        EXPECT_EQ(wantedExpand, isExpand) << type;
     }
 }
 
 TEST_F(RegistryTest, NamesIgnoreCaseAndLongValuesComeWhole) {
+    const std::string large(100000, 'x');
     Owned<String> key(text(kKey));
-    std::string large(100000, 'x');
-    ASSERT_EQ(RegResult::Done,
-              regSetString(kOsCurrentUser, key.get(), text("Name").get(), text("first").get()));
-    ASSERT_EQ(RegResult::Done, regSetString(kOsCurrentUser,
-                                            text("SOFTWARE\\quorelREGISTRYtest\\"
-                                                 "deep\\KEY\\")
-                                                .get(),
-                                            text("NAME").get(), text(large).get()));
+    Owned<String> other(text("SOFTWARE\\quorelREGISTRYtest\\deep\\KEY\\"));
+    const auto set = [](const Owned<String>& where, const char* name, std::string_view value) {
+        return regSetString(kOsCurrentUser, where.get(), text(name).get(), text(value).get());
+    };
+    ASSERT_EQ(RegResult::Done, set(key, "Name", "first"));
+    ASSERT_EQ(RegResult::Done, set(other, "NAME", large));
     std::string found;
     EXPECT_EQ(RegResult::Done, get(kKey, "name", &found));
     EXPECT_EQ(large, found);
     EXPECT_EQ(RegResult::NotFound, get("Software\\QuorelRegistryTest\\Deep", "name", &found));
     EXPECT_EQ(RegResult::Failed, get("\\Software", "name", &found));
-
-    EXPECT_EQ(RegResult::Done,
-              regSetNumber(kOsCurrentUser, key.get(), text("n").get(), 0xfedcba98));
+    const uint32_t wide = 0xfedcba98;
+    EXPECT_EQ(RegResult::Done, regSetNumber(kOsCurrentUser, key.get(), text("n").get(), wide));
     uint32_t number = 0;
     EXPECT_EQ(RegResult::Done, regGetNumber(kOsCurrentUser, key.get(), text("N").get(), &number));
-    EXPECT_EQ(0xfedcba98u, number);
+    EXPECT_EQ(wide, number);
     EXPECT_EQ(RegResult::OtherType,
               regGetNumber(kOsCurrentUser, key.get(), text("name").get(), &number));
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <cstring>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -18,6 +19,14 @@ namespace {
 
 constexpr char kFile[] = "ScriptMessagesTest.qcs";
 constexpr int kLevel = kLogError;
+
+constexpr char kVariables[] =
+    "var u\nlist l\nvector w\nset t\nmap m\npointer p\nstring s\nnumber n\ntree r\nparser a\n";
+
+struct Case {
+    std::string script;
+    std::string messages;
+};
 
 std::string heard;
 
@@ -81,13 +90,40 @@ class ScriptMessages : public testing::Test {
         return heard.substr(0, end);
     }
 
+    // Runs each case as a function of its own, between `head` and `tail`.
+    void check(const std::vector<Case>& cases, const std::string& head, const std::string& tail) {
+        std::string script = "function same a a\nend\n";
+        for (size_t at = 0; at < cases.size(); ++at)
+            script += "function f" + std::to_string(at) + "\n" + kVariables + head +
+                      cases[at].script + tail + "\nend\n";
+        ASSERT_TRUE(parse(script)) << heard;
+        for (size_t at = 0; at < cases.size(); ++at) {
+            EXPECT_EQ(cases[at].messages, run("f" + std::to_string(at))) << cases[at].script;
+            EXPECT_NE("", heard) << cases[at].script;
+        }
+    }
+
     ScriptEngine* engine_ = nullptr;
 };
 
-struct Case {
-    std::string script;
-    std::string messages;
-};
+// Cases of a table, a line each: STATEMENT; STATEMENT -> MESSAGE | MESSAGE, where
+// @ stands for what the messages of handlers begin with.
+std::vector<Case> casesOf(std::string table) {
+    std::vector<Case> cases;
+    const auto each = [](std::string text, const std::string& from, const std::string& to) {
+        for (size_t at = 0; (at = text.find(from, at)) != text.npos; at += to.size())
+            text.replace(at, from.size(), to);
+        return text;
+    };
+    table = each(table, "@", "scriptEngine");
+    for (size_t at = 1, end; (end = table.find('\n', at)) != table.npos; at = end + 1) {
+        const size_t sign = table.find(" ->", at);
+        const std::string messages = table.substr(sign + 3, end - sign - 3);
+        cases.push_back({each(table.substr(at, sign - at), "; ", "\n"),
+                         messages.empty() ? "" : each(messages.substr(1), " | ", "\n") + "\n"});
+    }
+    return cases;
+}
 
 std::string inLine(const char* text, int line) {
     return text + std::string(" in line ") + std::to_string(line) + " in file \"*\"";
@@ -174,347 +210,264 @@ TEST_F(ScriptMessages, OfAScriptThatDoesNotParse) {
     EXPECT_EQ("scriptEnginePrepareRun: This script engine has already been prepared!\n", heard);
 }
 
-constexpr char kVariables[] =
-    "var u\nlist l\nvector w\nmap m\npointer p\nstring s\nnumber n\ntree r\nparser a\n";
-
 TEST_F(ScriptMessages, OfAStatementThatFails) {
-    const std::string undefined = "Parameter 1 is not (properly) defined";
-    const std::string noTruth = ": Unable to determine boolean result of condition";
-    const std::string noProgram =
-        "scriptEngineEvaluate: Invalid expression\nscriptEngineEcho: Failed to get string value";
+    check(casesOf(R"(
+echo none -> @Echo: Failed to get string value
+echo ( u ) -> @Evaluate: Invalid expression | @Echo: Failed to get string value
+echo ( 1 2 ) -> @Evaluate: Invalid expression | @Echo: Failed to get string value
+echo ( ! ! n ) -> @Evaluate: Invalid expression | @Echo: Failed to get string value
+echo ( &sqrt &sqrt n ) -> @Evaluate: Invalid expression | @Echo: Failed to get string value
+echo ( - n ) -> @Evaluate: Invalid expression | @Echo: Failed to get string value
+echo ( ( 1 + 2 -> @Evaluate: Failed to evaluate expression | @Echo: Failed to get string value
+print r -> @Print: Failed to get string value
+error u -> @Error: Failed to get string value
+exit none -> Parameter 1 is not (properly) defined
+return ( none ) -> @Evaluate: Undefined variable in expression | Parameter 1 is not (properly) defined
+call "same" 1 2 3 -> @Call: INTERNAL ERROR!
+call "same" 1 none -> @Call: Invalid argument no. 2
+call "same" ( 1 2 ) -> @Evaluate: Invalid expression | @Call: Invalid argument no. 1
+call "same" 1 u -> scriptObjectDefaultAssign: INTERNAL ERROR! | @Call: Failed to set parameter
+call "none" -> @RunBlock:  Could not find block (function?) - while executing script line # in "*"
+if none; end -> Parameter 1 is not (properly) defined
+if u; end -> @If: Unable to determine boolean result of condition
+if 0; end; elseif u; end -> @Elseif: Unable to determine boolean result of condition
+while none; end -> Invalid first parameter
+while u; end -> @While: Unable to determine boolean result of condition
+for none 1 1; end -> Parameter 1 is not (properly) defined
+for 1 none 1; end -> Invalid first parameter
+for 1 1 none; end -> Invalid first parameter
+for 1 u 1; end -> @For: Unable to determine boolean result of condition
+query 5 1 s -> Parameter 1 must be a "string"
+query "?" l s -> Second parameter must be a string or a number
+query "?" 1 none -> Parameter 3 is not (properly) defined
+new 5 p -> Parameter 1 must be a "string"
+new "list" none -> @New: Failed to get pointer
+new "list" n -> @New: First argument must be a pointer
+is none "file" -> Parameter 1 is not (properly) defined
+is n 5 -> Parameter 2 must be a "string"
+retype n 5 -> Parameter 2 must be a "string"
+default l 1 -> Command 'default' only applies to strings and numbers
+default n "5" -> @Default: Default value is of different type
+eval none -> Parameter 1 is not (properly) defined
+size none n -> Parameter 1 is not (properly) defined
+setptr n s -> @Ptr: First argument must be a pointer
+loginfo 5 -> Parameter 1 must be a "string"
+logtrace none -> Parameter 1 is not (properly) defined
+logerror "100% of %s, #::99999%s, #::14" -> 100% of %s, #::99999%s, (Error: %i)
+)"),
+          "", "");
+    const std::string undefined = "Parameter 1 is not (properly) defined\n";
     const std::string noIncrement =
         "evaluateIncr: Can only increment numbers\nscriptEngineEvaluate: Failed to evaluate "
         "expression\n";
-    const Case cases[] = {
-        {"echo none", "scriptEngineEcho: Failed to get string value"},
-        {"echo ( u )", noProgram},
-        {"echo ( 1 2 )", noProgram},
-        {"echo ( ! ! n )", noProgram},
-        {"echo ( &sqrt &sqrt n )", noProgram},
-        {"echo ( - n )", noProgram},
-        {"echo ( ( 1 + 2",
-         "scriptEngineEvaluate: Failed to evaluate expression\n"
-         "scriptEngineEcho: Failed to get string value"},
-        {"print r", "scriptEnginePrint: Failed to get string value"},
-        {"error u", "scriptEngineError: Failed to get string value"},
-        {"exit none", undefined},
-        {"return ( none )", "scriptEngineEvaluate: Undefined variable in expression\n" + undefined},
-        {"call none",
-         "scriptEngineRunBlock: Failed to locate call function in line # in file "
-         "\"*\" (Did you forget to quote the function name?)"},
-        {"call \"none\"",
-         "scriptEngineRunBlock:  Could not find block (function?) - while "
-         "executing script line # in \"*\""},
-        {"call \"same\" 1 2 3", "scriptEngineCall: INTERNAL ERROR!"},
-        {"call \"same\" 1 none", "scriptEngineCall: Invalid argument no. 2"},
-        {"call \"same\" ( 1 2 )",
-         "scriptEngineEvaluate: Invalid expression\nscriptEngineCall: Invalid argument no. 1"},
-        {"call \"same\" 1 u",
-         "scriptObjectDefaultAssign: INTERNAL ERROR!\nscriptEngineCall: Failed to set parameter"},
-        {"if none\nend", undefined},
-        {"if u\nend", "scriptEngineIf" + noTruth},
-        {"if ( ++ s )\nend", noIncrement + undefined},
-        {"if 0\nend\nelseif u\nend", "scriptEngineElseif" + noTruth},
-        {"while none\nend", "Invalid first parameter"},
-        {"while u\nend", "scriptEngineWhile" + noTruth},
-        {"while ( ++ s )\nend", noIncrement + "scriptEngineWhile" + noTruth},
-        {"for none 1 1\nend", undefined},
-        {"for 1 none 1\nend", "Invalid first parameter"},
-        {"for 1 1 none\nend", "Invalid first parameter"},
-        {"for 1 u 1\nend", "scriptEngineFor" + noTruth},
-        {"query 5 1 s", "Parameter 1 must be a \"string\""},
-        {"query \"?\" l s", "Second parameter must be a string or a number"},
-        {"query \"?\" 1 none", "Parameter 3 is not (properly) defined"},
-        {"new 5 p", "Parameter 1 must be a \"string\""},
-        {"new \"list\" none", "scriptEngineNew: Failed to get pointer"},
-        {"new \"list\" n", "scriptEngineNew: First argument must be a pointer"},
-        {"is none \"file\"", undefined},
-        {"is n 5", "Parameter 2 must be a \"string\""},
-        {"retype n 5", "Parameter 2 must be a \"string\""},
-        {"default l 1", "Command 'default' only applies to strings and numbers"},
-        {"default n \"5\"", "scriptEngineDefault: Default value is of different type"},
-        {"eval none", undefined},
-        {"eval ( p += 1 )",
-         "evaluatePlus: Invalid left operand pointer\nevaluateAddassign: Failed to assign\n"
-         "scriptEngineEvaluate: Failed to evaluate expression\n" +
-             undefined},
-        {"size none n", undefined},
-        {"setptr p none",
-         "Parameter 2 is not (properly) defined\nParameter 2 is not (properly) "
-         "defined\nscriptEnginePtr: Second parameter is invalid"},
-        {"setptr n s", "scriptEnginePtr: First argument must be a pointer"},
-        {"loginfo 5", "Parameter 1 must be a \"string\""},
-        {"logtrace none", undefined},
-        {"logerror \"100% of %s, #::99999%s, #::14\"", "100% of %s, #::99999%s, (Error: %i)"},
-    };
-    std::string script = "function same a a\nend\n";
-    size_t number = 0;
-    for (const Case& one : cases)
-        script +=
-            "function f" + std::to_string(number++) + "\n" + kVariables + one.script + "\nend\n";
-    ASSERT_TRUE(parse(script)) << heard;
-    number = 0;
-    for (const auto& [text, messages] : cases)
-        EXPECT_EQ(messages + "\n", run("f" + std::to_string(number++))) << text;
+    check({{"call none",
+            "scriptEngineRunBlock: Failed to locate call function in line # in file \"*\" (Did you "
+            "forget to quote the function name?)\n"},
+           {"if ( ++ s )\nend", noIncrement + undefined},
+           {"while ( ++ s )\nend",
+            noIncrement + "scriptEngineWhile: Unable to determine boolean result of condition\n"},
+           {"eval ( p += 1 )",
+            "evaluatePlus: Invalid left operand pointer\nevaluateAddassign: Failed to assign\n"
+            "scriptEngineEvaluate: Failed to evaluate expression\n" +
+                undefined},
+           {"setptr p none",
+            "Parameter 2 is not (properly) defined\nParameter 2 is not (properly) defined\n"
+            "scriptEnginePtr: Second parameter is invalid\n"}},
+          "", "");
     // A failure goes up through all that runs, each level adding its record.
     ASSERT_TRUE(
         parse("function f\nif 1\nwhile 1\nfor 1 1 1\nexit none\nend\nend\nend\nend\n"
               "function main\ncall \"f\"\nend\n"));
     run("");
-    const std::string error = "\nscriptEngineRunBlock: Error occurred in line # in file \"*\"\n";
-    EXPECT_EQ(undefined + error + "scriptEngineFor: Failed to execute script block 3" + error +
-                  "scriptEngineWhile: Failed to execute script block 2" + error +
-                  "scriptEngineIf: Failed to execute script block 1" + error +
-                  "scriptEngineCall: Failed to execute script block 0" + error +
+    const std::string error = "scriptEngineRunBlock: Error occurred in line # in file \"*\"\n";
+    EXPECT_EQ(undefined + error + "scriptEngineFor: Failed to execute script block 3\n" + error +
+                  "scriptEngineWhile: Failed to execute script block 2\n" + error +
+                  "scriptEngineIf: Failed to execute script block 1\n" + error +
+                  "scriptEngineCall: Failed to execute script block 0\n" + error +
                   "scriptEngineExecuteFunction: Failed to execute script block 4\n"
                   "scriptEngineRunArgs: Failed to execute \"\"\n",
               heard);
 }
 
 TEST_F(ScriptMessages, OfOperators) {
-    std::vector<Case> cases = {
-        {"++ p", "evaluateIncr: Invalid pointer"},
-        {"-- p", "evaluateDecr: Invalid pointer"},
-        {"++ s", "evaluateIncr: Can only increment numbers"},
-        {"-- l", "evaluateDecr: Can only decrement numbers"},
-        {"! u", "evaluateNot: Failed to get boolean value"},
-        {"&bool p", "evaluateBool: Failed to get boolean value"},
-        {"&num p", "evaluateNum: Invalid right operand pointer"},
-        {"n + l", ""},
-        {"p + 1", "evaluatePlus: Invalid left operand pointer"},
-        {"1 + p", "evaluatePlus: Invalid right operand pointer"},
-        {"p . 1", "evaluateConcat: Invalid left operand pointer"},
-        {"1 . p", "evaluateConcat: Invalid right operand pointer"},
-        {"r . 1", "evaluateConcat: Failed to get left operand. Make sure it is defined!"},
-        {"1 . u", "evaluateConcat: Failed to get right operand. Possible reason: Out of memory"},
-        {"s &remove a", "evaluateRemove: Possible error: Out of memory"},
-        {"p &match s", "evaluateStrMatch: Invalid left operand pointer"},
-        {"s &match p", "evaluateStrMatch: Invalid right operand pointer"},
-        {"1 &match s", "evaluateStrMatch: Both operands must be strings"},
-        {"0 &of p", "evaluateOf: Invalid right operand pointer"},
-        {"p &of w", "evaluateOf: Invalid left hand operand pointer"},
-        {"s &of s", "evaluateOf: Left hand operand must be number"},
-        {"-1 &of w",
-         "evaluateOf: Invalid left hand operand (index out of bounds - 4294967295 >= 0)"},
-        {"1 &of m",
-         "evaluateOf: Invalid left hand operator (left hand operator's value is not a "
-         "member of the right hand map)"},
-        {"p &of l", "evaluateOf: Right operand must be a map or a vector (and not a ref)"},
-        {"u ? 1", ""},
-        {"1 ? u", ""},
-        {"u : 1", ""},
-        {"n { 1", ""},
-        {"s = u", "scriptObjectDefaultAssign: INTERNAL ERROR!\nevaluateAssign: Failed to assign"},
-        {"n = p", "evaluateAssign: Failed to assign"},
-        {"u = u", ""},
-        {"r = r", ""},
-        {"u .= 1",
-         "evaluateConcat: Failed to get left operand. Make sure it is defined!\n"
-         "evaluateConcatassign: Failed to assign"},
-        {"l += n", "evaluateAddassign: Failed to assign"},
-    };
+    std::vector<Case> cases = casesOf(R"(
+++ p -> evaluateIncr: Invalid pointer
+-- p -> evaluateDecr: Invalid pointer
+++ s -> evaluateIncr: Can only increment numbers
+-- l -> evaluateDecr: Can only decrement numbers
+! u -> evaluateNot: Failed to get boolean value
+&bool p -> evaluateBool: Failed to get boolean value
+&num p -> evaluateNum: Invalid right operand pointer
+n + l ->
+p + 1 -> evaluatePlus: Invalid left operand pointer
+1 + p -> evaluatePlus: Invalid right operand pointer
+p . 1 -> evaluateConcat: Invalid left operand pointer
+1 . p -> evaluateConcat: Invalid right operand pointer
+r . 1 -> evaluateConcat: Failed to get left operand. Make sure it is defined!
+1 . u -> evaluateConcat: Failed to get right operand. Possible reason: Out of memory
+s &remove a -> evaluateRemove: Possible error: Out of memory
+p &match s -> evaluateStrMatch: Invalid left operand pointer
+s &match p -> evaluateStrMatch: Invalid right operand pointer
+1 &match s -> evaluateStrMatch: Both operands must be strings
+0 &of p -> evaluateOf: Invalid right operand pointer
+p &of w -> evaluateOf: Invalid left hand operand pointer
+s &of s -> evaluateOf: Left hand operand must be number
+-1 &of w -> evaluateOf: Invalid left hand operand (index out of bounds - 4294967295 >= 0)
+p &of l -> evaluateOf: Right operand must be a map or a vector (and not a ref)
+u ? 1 ->
+1 ? u ->
+u : 1 ->
+n { 1 ->
+s = u -> scriptObjectDefaultAssign: INTERNAL ERROR! | evaluateAssign: Failed to assign
+n = p -> evaluateAssign: Failed to assign
+u = u ->
+r = r ->
+l += n -> evaluateAddassign: Failed to assign
+)");
+    cases.push_back({"1 &of m",
+                     "evaluateOf: Invalid left hand operator (left hand operator's value is not a "
+                     "member of the right hand map)\n"});
+    cases.push_back({"u .= 1",
+                     "evaluateConcat: Failed to get left operand. Make sure it is defined!\n"
+                     "evaluateConcatassign: Failed to assign\n"});
     const char* orders[][2] = {{"<", "evaluateLt"},  {">", "evaluateGt"},  {"<=", "evaluateLe"},
                                {">=", "evaluateGe"}, {"==", "evaluateEq"}, {"!=", "evaluateNe"}};
     for (const auto& [token, name] : orders)
         for (const char* operands : {"r < r", "a < s", "n < p"})
             cases.push_back({std::string(operands).replace(2, 1, token),
-                             name + std::string(": Failed to compare")});
-    const struct {
-        std::string token, name, assigning;
-    } onNumbers[] = {{"&max", "evaluateMax", ""},
-                     {"&min", "evaluateMin", ""},
-                     {"&avg", "evaluateAvg", ""},
-                     {"^", "evaluatePow", "evaluatePowassign"},
-                     {"*", "evaluateMult", "evaluateMultassign"},
-                     {"/", "evaluateDiv", "evaluateDivassign"},
-                     {"%", "evaluateMod", "evaluateModassign"},
-                     {"-", "evaluateMinus", "evaluateSubassign"}};
-    for (const auto& [token, name, assigning] : onNumbers) {
-        cases.push_back({"p " + token + " s", name + ": Invalid left operand pointer"});
-        cases.push_back({"s " + token + " p", name + ": Invalid right operand pointer"});
-        cases.push_back({"s " + token + " 1", name + ": Both operands must be numbers"});
-        if (assigning.empty()) continue;
+                             name + std::string(": Failed to compare\n")});
+    for (const char* row :
+         {"&max Max", "&min Min", "&avg Avg", "^ Pow", "* Mult", "/ Div", "% Mod", "- Minus"}) {
+        const std::string token(row, strchr(row, ' '));
+        const std::string name = "evaluate" + std::string(row + token.size() + 1);
+        cases.push_back({"p " + token + " s", name + ": Invalid left operand pointer\n"});
+        cases.push_back({"s " + token + " p", name + ": Invalid right operand pointer\n"});
+        cases.push_back({"s " + token + " 1", name + ": Both operands must be numbers\n"});
+        if (token[0] == '&') continue;
+        const std::string assigning = token == "-" ? "evaluateSub" : name;
         cases.push_back({"n " + token + "= s", name + ": Both operands must be numbers\n" +
-                                                   assigning + ": Failed to assign"});
+                                                   assigning + "assign: Failed to assign\n"});
     }
-    const char* onTexts[][2] = {{"&fexists", "evaluateFExists"},
-                                {"&fsize", "evaluateFSize"},
-                                {"&esc", "evaluateEsc"},
-                                {"&base", "evaluateBase"},
-                                {"&sqrt", "evaluateSqrt"}};
+    const char* onTexts[][2] = {{"&fexists", "evaluateFExists: "},
+                                {"&fsize", "evaluateFSize: "},
+                                {"&esc", "evaluateEsc: "},
+                                {"&base", "evaluateBase: "},
+                                {"&sqrt", "evaluateSqrt: "}};
     for (const auto& [token, name] : onTexts) {
-        const std::string prefix = name + std::string(": ");
-        const bool root = prefix == "evaluateSqrt: ";
-        cases.push_back({token + std::string(" p"), prefix + "Invalid right operand pointer"});
-        cases.push_back({token + std::string(root ? " s" : " n"),
-                         prefix + "Operand must be " + (root ? "number" : "string")});
+        const bool root = token == std::string("&sqrt");
+        cases.push_back(
+            {token + std::string(" p"), name + std::string("Invalid right operand pointer\n")});
+        cases.push_back(
+            {token + std::string(root ? " s" : " n"),
+             name + std::string("Operand must be ") + (root ? "number\n" : "string\n")});
     }
-    std::string script;
-    size_t number = 0;
-    for (const Case& one : cases)
-        script += "function f" + std::to_string(number++) + "\n" + kVariables + "echo ( " +
-                  one.script + " )\nend\n";
-    ASSERT_TRUE(parse(script)) << heard;
-    number = 0;
-    for (const auto& [text, messages] : cases)
-        EXPECT_EQ(messages + (messages.empty() ? "" : "\n") +
-                      "scriptEngineEvaluate: Failed to evaluate expression\n"
-                      "scriptEngineEcho: Failed to get string value\n",
-                  run("f" + std::to_string(number++)))
-            << text;
+    for (Case& one : cases)
+        one.messages +=
+            "scriptEngineEvaluate: Failed to evaluate expression\n"
+            "scriptEngineEcho: Failed to get string value\n";
+    check(cases, "echo ( ", " )");
 }
 
 TEST_F(ScriptMessages, OfCommandsOnTextsAndTimes) {
-    const std::string one = "Parameter 1 must be a ";
-    const std::string two = "Parameter 2 must be a ";
-    const std::string noTruth = ": Failed to get boolean value of third parameter\n";
-    const Case cases[] = {
-        {"strsplit n \",\" s", one + "\"string\"\n"},
-        {"strsplit \"a,b,\" \",\" s none s", "Parameter 4 is not (properly) defined\n"},
-        {"strtovector s s l", "Parameter 3 must be a \"vector\"\n"},
-        {"strtovector s s w u", "scriptEngineStrToVector" + noTruth},
-        {"strtolist s s l u", "scriptEngineStrErase" + noTruth},
-        {"strtoset s s k u", "scriptEngineStrToSet" + noTruth},
-        {"strtoset s s k", ""},
-        {"strtomap s s s m u",
-         "scriptEngineStrToMap: Failed to get boolean value of fourth parameter\n"},
-        {"strtomap s s s r", "Parameter 4 must be a \"map\"\n"},
-        {"strfind s s s", two + "\"string\"\n"},
-        {"strsub s s 1 s", two + "\"number\"\n"},
-        {"strpatternmatch s s u", "scriptEngineStrErase" + noTruth},
-        {"strlower s none", "Parameter 2 is not (properly) defined\n"},
-        {"stralign s \"\" 0 9", "scriptEngineStrAlign: Second parameter has no value\n"},
-        {"stralign s \"-\" \"l\" 9", "Parameter 3 must be a \"number\"\n"},
-        {"strtotime \"2009-02-29\" n", "scriptEngineStrToTime: Failed to parse string time\n"},
-        {"maketime m n", "scriptEngineMakeTime: Out of memory\n"},
-        {"maketime m m", "scriptEngineMakeTime: Out of memory\n"},
-        {"gettick s", one + "\"number\"\n"},
-        {"strdiff s s s w", "The command \"strdiff\" is missing from this build\n"},
-    };
-    std::string script;
-    size_t number = 0;
-    for (const Case& each : cases)
-        script += "function f" + std::to_string(number++) + "\n" + kVariables + "set k\n" +
-                  each.script + "\nend\n";
-    ASSERT_TRUE(parse(script)) << heard;
-    number = 0;
-    for (const auto& [text, messages] : cases) {
-        EXPECT_EQ(messages, run("f" + std::to_string(number++))) << text;
-        EXPECT_NE("", heard) << text;
-    }
+    check(casesOf(R"(
+strsplit n "," s -> Parameter 1 must be a "string"
+strsplit "a,b," "," s none s -> Parameter 4 is not (properly) defined
+strtovector s s l -> Parameter 3 must be a "vector"
+strtovector s s w u -> @StrToVector: Failed to get boolean value of third parameter
+strtolist s s l u -> @StrErase: Failed to get boolean value of third parameter
+strtoset s s t u -> @StrToSet: Failed to get boolean value of third parameter
+strtoset s s t ->
+strtomap s s s m u -> @StrToMap: Failed to get boolean value of fourth parameter
+strtomap s s s r -> Parameter 4 must be a "map"
+strfind s s s -> Parameter 2 must be a "string"
+strsub s s 1 s -> Parameter 2 must be a "number"
+strpatternmatch s s u -> @StrErase: Failed to get boolean value of third parameter
+strlower s none -> Parameter 2 is not (properly) defined
+stralign s "" 0 9 -> @StrAlign: Second parameter has no value
+stralign s "-" "l" 9 -> Parameter 3 must be a "number"
+strtotime "2009-02-29" n -> @StrToTime: Failed to parse string time
+maketime m n -> @MakeTime: Out of memory
+maketime m m -> @MakeTime: Out of memory
+gettick s -> Parameter 1 must be a "number"
+strdiff s s s w -> The command "strdiff" is missing from this build
+)"),
+          "", "");
 }
 
 TEST_F(ScriptMessages, OfContainers) {
-    const std::string noWalk = ": Iteration has not been initialized";
-    const std::string first = "Parameter 1 must be a ";
-    const Case cases[] = {
-        {"vecappend l 1", first + "\"vector\""},
-        {"listpush w 1", first + "\"list\""},
-        {"setclear w", first + "\"set\""},
-        {"mapclear none", "Parameter 1 is not (properly) defined"},
-        {"treeclear m", first + "\"illegal type\""},
-        {"vecappend w 1 u", "scriptEngineVecAppend: Failed to append parameter 3"},
-        {"vecappend w 1 none", "Parameter 3 is not (properly) defined"},
-        {"vecappend w 1 ( w = 2 )", first + "\"vector\""},
-        {"vecappend w r", "scriptEngineVecAppend: Failed to append parameter 2"},
-        {"vecinsert w s 1", "Parameter 2 must be a \"number\""},
-        {"vecinsert w 0 none", "scriptEngineVecInsert: Failed to insert value"},
-        {"vecset w 0 u", "scriptEngineVecSet: Failed to set value"},
-        {"vecset w 0 1", "scriptEngineVecSet: Out of memory"},
-        {"vecerase w 0", "scriptEngineVecErase: Index out of bounds"},
-        {"vecappend w 1\nvecerase w 0", "scriptEngineVecErase: Index out of bounds"},
-        {"vecappend w 1 2\nvecerase w -1", "scriptEngineVecErase: Index out of bounds"},
-        {"vecappend w 1 2\nvecerase w 0 s",
-         "scriptEngineVecErase: Second parameter must be a number"},
-        {"vecget w 0 n", "scriptEngineVecGet: Index out of bounds"},
-        {"vecappend w 1\nvecget w ( 0 / 0 - 1 ) n", "scriptEngineVecGet: Index out of bounds"},
-        {"vecappend w 1\nvecget w 0 none", "Parameter 3 is not (properly) defined"},
-        {"vecgetnext w n", "scriptEngineVecGetNext" + noWalk},
-        {"vecappend w 1\nvecgetfirst w none", "Parameter 2 is not (properly) defined"},
-        {"vecappend w 1 2 3\nvecgetlast w n\nvecerase w 0 2\nvecgetnext w n\nvecgetnext w n",
-         "scriptEngineVecGetNext: NULL-object found at index 0 in vector"},
-        {"vecappend w 1\nvecgetfirst w n\nvecclear w\nvecgetnext w n",
-         "scriptEngineVecGetNext: NULL-object found at index 4294967295 in vector"},
-        {"vecappend w p\nvecgetfirst w n",
-         "scriptEngineVecGetFirst: Failed to assign vector value to target variable"},
-        {"vecappend w p\nvecgetlast w n",
-         "scriptEngineVecGetLast: Failed to assign vector value to target variable"},
-        {"vecappend w 1 p\nvecgetfirst w n\nvecgetnext w n",
-         "scriptEngineVecGetNext: Failed to assign vector value to target variable"},
-        {"vecappend w p\nvecget w 0 n",
-         "scriptEngineVecGet: Failed to assign vector value to target variable"},
-        {"vecsetcur w 1", "scriptEngineVecSetCur" + noWalk},
-        {"vecappend w 1\nvecgetfirst w n\nvecclear w\nvecsetcur w 1",
-         "scriptEngineVecSetCur" + noWalk},
-        {"vecappend w 1\nvecgetfirst w n\nvecsetcur w u",
-         "scriptEngineVecSetCur: Failed to set value"},
-        {"listappend l 1 u", "scriptEngineListAppend: Failed to append parameter 3"},
-        {"listpush l u 1", "scriptEngineListPush: Failed to append parameter 2"},
-        {"listinsert l 1", "scriptEngineListInsert" + noWalk},
-        {"listappend l 1\nlistgetfirst l n\nlistclear l\nlistinsert l 1",
-         "scriptEngineListInsert" + noWalk},
-        {"listappend l 1\nlistgetfirst l n\nlistinsert l u",
-         "scriptEngineListInsert: Failed to erase"},
-        {"listerase l", "scriptEngineListErase" + noWalk},
-        {"listappend l 1 2\nlistgetlast l n\nlisterase l\nlisterase l",
-         "scriptEngineListErase" + noWalk},
-        {"listappend l 1\nlistgetnext l n", "scriptEngineListGetNext" + noWalk + " (1)"},
-        {"listappend l 1\nlistgetfirst l n\nlistgetnext l n\nlistgetnext l n",
-         "scriptEngineListGetNext" + noWalk + " (2)"},
-        {"listappend l p\nlistgetfirst l n",
-         "scriptEngineListGetFirst: Failed to assign list value to target variable"},
-        {"listappend l p\nlistgetlast l n",
-         "scriptEngineListGetLast: Failed to assign list value to target variable"},
-        {"listappend l 1 p\nlistgetfirst l n\nlistgetnext l n",
-         "scriptEngineListGetNext: Failed to assign list value to target variable"},
-        {"listsetcur l 1", "scriptEngineListSetCur" + noWalk},
-        {"listappend l 1\nlistgetfirst l n\nlistsetcur l u",
-         "scriptEngineListSetCur: Failed to set value"},
-        {"setinsert t u 1", "scriptEngineSetInsert: Failed to append parameter 2"},
-        {"setinsert t 1\nsetgetnext t n", "scriptEngineSetGetNext" + noWalk},
-        {"setinsert t 1\nsetgetfirst t n\nseterase t 1\nsetinsert t 1\nsetgetnext t n\n"
-         "setgetnext t n",
-         "scriptEngineSetGetNext" + noWalk},
-        {"setinsert t p\nsetgetfirst t n",
-         "scriptEngineSetGetFirst: Failed to assign set value to target variable"},
-        {"setinsert t p\nsetgetlast t n",
-         "scriptEngineSetGetLast: Failed to assign set value to target variable"},
-        {"setinsert t p 1\nsetgetlast t n\nsetgetnext t n",
-         "scriptEngineSetGetNext: Failed to assign set value to target variable"},
-        {"mapinsert m u 1", "scriptEngineMapInsert: Failed to access parameter 2"},
-        {"mapset m 1 u", "scriptEngineMapInsert: Failed to access parameter 3"},
-        {"mapset m 1 p\nmapget m 1 n", "scriptEngineMapGet: Failed to get map value"},
-        {"mapset m 1 1\nmapgetnext m n n", "scriptEngineMapGetNext" + noWalk},
-        {"mapset m p 1\nmapgetfirst m n s", "scriptEngineMapGetFirst: Failed to get map key"},
-        {"mapset m 1 p\nmapgetfirst m n s", "scriptEngineMapGetFirst: Failed to get map value"},
-        {"mapset m p 1\nmapgetlast m n s", "scriptEngineMapGetLast: Failed to get map key"},
-        {"mapset m 1 p\nmapgetlast m n s", "scriptEngineMapGetLast: Failed to get map value"},
-        {"mapset m 1 1\nmapset m 0 p\nmapgetlast m n s\nmapgetnext m n s",
-         "scriptEngineMapGetNext: Failed to get map value"},
-        {"mapset m 1 1\nmapset m p 1\nmapgetlast m n s\nmapgetnext m n s",
-         "scriptEngineMapGetNext: Failed to get map key"},
-        {"mapset m 1 1\nmapgetfirst m n s\nmaperase m 1\nmapsetcur m 1",
-         "scriptEngineMapSetCur" + noWalk},
-        {"mapset m 1 1\nmapgetfirst m n s\nmapsetcur m u",
-         "scriptEngineMapSetCur: Failed to set value"},
-        {"treeaddnode r \"\" 5", "Parameter 3 must be a \"string\""},
-        {"treeset r 5 5", "Parameter 2 must be a \"string\""},
-        {"treeset r \"\" u", "scriptEngineTreeSet: Failed to access parameter 3"},
-        {"treeset r \"\" p\ntreeget r \"\" n", "scriptEngineTreeGet: Failed to get tree value"},
-        {"treegetsub r \"\" m",
-         "scriptEngineTreeGetSub: Third parameter must be a vector, a list or a set"},
-        {"treecopynode r m \"\" \"\"", "Parameter 2 must be a \"illegal type\""},
-        {"treecopynode r r \"\" \"\"", "scriptEngineTreeCopyNode: Out of memory"},
-    };
-    std::string script;
-    size_t number = 0;
-    for (const Case& one : cases)
-        script += "function f" + std::to_string(number++) + "\nset t\n" + kVariables + one.script +
-                  "\nend\n";
-    ASSERT_TRUE(parse(script)) << heard;
-    number = 0;
-    for (const auto& [text, messages] : cases)
-        EXPECT_EQ(messages + "\n", run("f" + std::to_string(number++))) << text;
+    check(casesOf(R"(
+vecappend l 1 -> Parameter 1 must be a "vector"
+listpush w 1 -> Parameter 1 must be a "list"
+setclear w -> Parameter 1 must be a "set"
+mapclear none -> Parameter 1 is not (properly) defined
+treeclear m -> Parameter 1 must be a "illegal type"
+vecappend w 1 u -> @VecAppend: Failed to append parameter 3
+vecappend w 1 none -> Parameter 3 is not (properly) defined
+vecappend w 1 ( w = 2 ) -> Parameter 1 must be a "vector"
+vecappend w r -> @VecAppend: Failed to append parameter 2
+vecinsert w s 1 -> Parameter 2 must be a "number"
+vecinsert w 0 none -> @VecInsert: Failed to insert value
+vecset w 0 u -> @VecSet: Failed to set value
+vecset w 0 1 -> @VecSet: Out of memory
+vecerase w 0 -> @VecErase: Index out of bounds
+vecappend w 1; vecerase w 0 -> @VecErase: Index out of bounds
+vecappend w 1 2; vecerase w -1 -> @VecErase: Index out of bounds
+vecappend w 1 2; vecerase w 0 s -> @VecErase: Second parameter must be a number
+vecget w 0 n -> @VecGet: Index out of bounds
+vecappend w 1; vecget w ( 0 / 0 - 1 ) n -> @VecGet: Index out of bounds
+vecappend w 1; vecget w 0 none -> Parameter 3 is not (properly) defined
+vecgetnext w n -> @VecGetNext: Iteration has not been initialized
+vecappend w 1; vecgetfirst w none -> Parameter 2 is not (properly) defined
+vecappend w 1 2 3; vecgetlast w n; vecerase w 0 2; vecgetnext w n; vecgetnext w n -> @VecGetNext: NULL-object found at index 0 in vector
+vecappend w 1; vecgetfirst w n; vecclear w; vecgetnext w n -> @VecGetNext: NULL-object found at index 4294967295 in vector
+vecappend w p; vecgetfirst w n -> @VecGetFirst: Failed to assign vector value to target variable
+vecappend w p; vecgetlast w n -> @VecGetLast: Failed to assign vector value to target variable
+vecappend w 1 p; vecgetfirst w n; vecgetnext w n -> @VecGetNext: Failed to assign vector value to target variable
+vecappend w p; vecget w 0 n -> @VecGet: Failed to assign vector value to target variable
+vecsetcur w 1 -> @VecSetCur: Iteration has not been initialized
+vecappend w 1; vecgetfirst w n; vecclear w; vecsetcur w 1 -> @VecSetCur: Iteration has not been initialized
+vecappend w 1; vecgetfirst w n; vecsetcur w u -> @VecSetCur: Failed to set value
+listappend l 1 u -> @ListAppend: Failed to append parameter 3
+listpush l u 1 -> @ListPush: Failed to append parameter 2
+listinsert l 1 -> @ListInsert: Iteration has not been initialized
+listappend l 1; listgetfirst l n; listclear l; listinsert l 1 -> @ListInsert: Iteration has not been initialized
+listappend l 1; listgetfirst l n; listinsert l u -> @ListInsert: Failed to erase
+listerase l -> @ListErase: Iteration has not been initialized
+listappend l 1 2; listgetlast l n; listerase l; listerase l -> @ListErase: Iteration has not been initialized
+listappend l 1; listgetnext l n -> @ListGetNext: Iteration has not been initialized (1)
+listappend l 1; listgetfirst l n; listgetnext l n; listgetnext l n -> @ListGetNext: Iteration has not been initialized (2)
+listappend l p; listgetfirst l n -> @ListGetFirst: Failed to assign list value to target variable
+listappend l p; listgetlast l n -> @ListGetLast: Failed to assign list value to target variable
+listappend l 1 p; listgetfirst l n; listgetnext l n -> @ListGetNext: Failed to assign list value to target variable
+listsetcur l 1 -> @ListSetCur: Iteration has not been initialized
+listappend l 1; listgetfirst l n; listsetcur l u -> @ListSetCur: Failed to set value
+setinsert t u 1 -> @SetInsert: Failed to append parameter 2
+setinsert t 1; setgetnext t n -> @SetGetNext: Iteration has not been initialized
+setinsert t 1; setgetfirst t n; seterase t 1; setinsert t 1; setgetnext t n; setgetnext t n -> @SetGetNext: Iteration has not been initialized
+setinsert t p; setgetfirst t n -> @SetGetFirst: Failed to assign set value to target variable
+setinsert t p; setgetlast t n -> @SetGetLast: Failed to assign set value to target variable
+setinsert t p 1; setgetlast t n; setgetnext t n -> @SetGetNext: Failed to assign set value to target variable
+mapinsert m u 1 -> @MapInsert: Failed to access parameter 2
+mapset m 1 u -> @MapInsert: Failed to access parameter 3
+mapset m 1 p; mapget m 1 n -> @MapGet: Failed to get map value
+mapset m 1 1; mapgetnext m n n -> @MapGetNext: Iteration has not been initialized
+mapset m p 1; mapgetfirst m n s -> @MapGetFirst: Failed to get map key
+mapset m 1 p; mapgetfirst m n s -> @MapGetFirst: Failed to get map value
+mapset m p 1; mapgetlast m n s -> @MapGetLast: Failed to get map key
+mapset m 1 p; mapgetlast m n s -> @MapGetLast: Failed to get map value
+mapset m 1 1; mapset m 0 p; mapgetlast m n s; mapgetnext m n s -> @MapGetNext: Failed to get map value
+mapset m 1 1; mapset m p 1; mapgetlast m n s; mapgetnext m n s -> @MapGetNext: Failed to get map key
+mapset m 1 1; mapgetfirst m n s; maperase m 1; mapsetcur m 1 -> @MapSetCur: Iteration has not been initialized
+mapset m 1 1; mapgetfirst m n s; mapsetcur m u -> @MapSetCur: Failed to set value
+treeaddnode r "" 5 -> Parameter 3 must be a "string"
+treeset r 5 5 -> Parameter 2 must be a "string"
+treeset r "" u -> @TreeSet: Failed to access parameter 3
+treeset r "" p; treeget r "" n -> @TreeGet: Failed to get tree value
+treegetsub r "" m -> @TreeGetSub: Third parameter must be a vector, a list or a set
+treecopynode r m "" "" -> Parameter 2 must be a "illegal type"
+treecopynode r r "" "" -> @TreeCopyNode: Out of memory
+)"),
+          "", "");
 }
 
 TEST_F(ScriptMessages, OfFiles) {

@@ -4,6 +4,7 @@
 
 #include <cstdio>
 #include <string>
+#include <tuple>
 
 #include "containers/Vector.h"
 #include "platform/clock.h"
@@ -39,12 +40,8 @@ bool holds(const Vector* names, std::string_view name) {
 }
 
 TEST(SystemInfo, WindowsSystemsHaveTheirNames) {
-    struct {
-        OsWindowsVersion
-            version;  // platform, major, minor, product, suite, service pack, release 2
-        const char* name;
-        uint32_t number;
-    } cases[] = {
+    // platform, major, minor, product, suite, service pack, release 2
+    const std::tuple<OsWindowsVersion, const char*, uint32_t> cases[] = {
         {{2, 3, 51, 1, 0, 5, false}, "WindowsNT3_SP5", 300},
         {{2, 4, 0, 1, 0, 0, false}, "WindowsNT4", 400},
         {{2, 5, 0, 1, 0, 4, false}, "Windows2000", 500},
@@ -58,11 +55,10 @@ TEST(SystemInfo, WindowsSystemsHaveTheirNames) {
         {{2, 6, 1, 1, 0, 1, false}, "WindowsVista_SP1", 600},
         {{2, 6, 0, 3, 0, 0, false}, "WindowsServer_Longhorn", 600},
         {{2, 10, 0, 1, 0, 1, false}, "Windows100", 0},
-        {{1, 4, 10, 1, 0, 0, false}, "<none>", 0},
-    };
-    for (const auto& row : cases) {
-        EXPECT_EQ(row.name, made(windowsReleaseName(row.version)));
-        EXPECT_EQ(row.number, windowsReleaseNumber(row.version)) << row.name;
+        {{1, 4, 10, 1, 0, 0, false}, "<none>", 0}};
+    for (const auto& [version, name, number] : cases) {
+        EXPECT_EQ(name, made(windowsReleaseName(version)));
+        EXPECT_EQ(number, windowsReleaseNumber(version)) << name;
     }
 }
 
@@ -91,22 +87,13 @@ TEST(SystemInfo, FactsOfThisMachine) {
 
 TEST(SystemInfo, TheLanguageIsThatOfTheLocale) {
     std::string locale;
-    if (!osLocale(&locale)) {
-        // The registry of keyboards may hold anything; the form is fixed.
-        EXPECT_NE(std::string::npos, made(sysGetLanguage()).find('('));
-        return;
-    }
-    struct {
-        const char* locale;
-        const char* language;
-    } cases[] = {
-        {"de_AT.ISO-8859-15@euro", "de_AT(ISO-8859-15)"},
-        {"C", "C(unknown)"},
-        {"@euro", "unknown(unknown)"},
-    };
-    for (const auto& row : cases) {
-        osSetEnvironment("LC_ALL", row.locale);
-        EXPECT_EQ(row.language, made(sysGetLanguage()));
+    if (!osLocale(&locale)) return;  // a registry of keyboards, which may hold anything
+    constexpr const char* kCases[][2] = {{"de_AT.ISO-8859-15@euro", "de_AT(ISO-8859-15)"},
+                                         {"C", "C(unknown)"},
+                                         {"@euro", "unknown(unknown)"}};
+    for (const auto& [name, language] : kCases) {
+        osSetEnvironment("LC_ALL", name);
+        EXPECT_EQ(language, made(sysGetLanguage()));
     }
 }
 
@@ -168,18 +155,14 @@ class MachineSettings : public testing::Test {
 
 TEST_F(MachineSettings, RolesAreExactWords) {
     EXPECT_EQ(MachineRole::None, sysGetRole());
-    struct {
-        const char* word;
-        MachineRole role;
-    } cases[] = {
+    const std::pair<const char*, MachineRole> cases[] = {
         {"none", MachineRole::None},   {"host", MachineRole::Host},
         {"group", MachineRole::Group}, {"subsite", MachineRole::Subsite},
         {"site", MachineRole::Site},   {"supersite", MachineRole::Supersite},
-        {"Host", MachineRole::None},   {"hos", MachineRole::None},
-    };
-    for (const auto& row : cases) {
-        setText("role", row.word);
-        EXPECT_EQ(row.role, sysGetRole()) << row.word;
+        {"Host", MachineRole::None},   {"hos", MachineRole::None}};
+    for (const auto& [word, role] : cases) {
+        setText("role", word);
+        EXPECT_EQ(role, sysGetRole()) << word;
     }
     setNumber("role", 1);
     EXPECT_EQ(MachineRole::None, sysGetRole());

@@ -42,6 +42,7 @@ TEST_F(TimeZoneTest, OffsetIsThatOfTheMomentAsked) {
         EXPECT_EQ(place->winter, zoneOffsetAt(timeFromEpoch(kWinter + hour * 3600))) << hour;
         EXPECT_EQ(place->summer, zoneOffsetAt(timeFromEpoch(kSummer + hour * 3600))) << hour;
     }
+    EXPECT_EQ(place->winter, zoneOffsetAt(0)) << "of a year of the same leap pattern";
 }
 
 TEST_F(TimeZoneTest, PresentOffsetServesForAllTimes) {
