@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <fstream>
+#include <string>
 
 #include "ScriptEngine3/ScriptEngine.h"
 #include "containers/Memory.h"
@@ -93,6 +94,89 @@ function main
 end
 )";
 
+// The commands on containers, texts and times. `out` is what all this comes to.
+constexpr const char* kCommands = R"(
+function main
+  global out
+  vector v
+  list l
+  set s
+  map m
+  tree t
+  number n
+  string a b
+  var x
+  pointer p
+  eval ( out = "" )
+  eval ( a = "a text; with parts; that need memory of their own" )
+  strtovector a ";" v
+  strtolist a ";" l
+  strtoset a ";" s 1
+  strtomap a "t" ";" m 0
+  vecappend v ( a . n ) v l
+  vecinsert v 1 m
+  vecset v 0 a
+  vecgetfirst v x
+  while success
+    vecsetcur v a
+    vecgetnext v x
+  end
+  vecerase v 0 2
+  vecgetlast v p
+  listpush l a v
+  listgetfirst l x
+  while success
+    listinsert l a
+    listsetcur l v
+    listerase l
+    listgetnext l x
+  end
+  setinsert s a v l s
+  setgetlast s x
+  while success
+    setgetnext s x
+  end
+  seterase s ( a . "" )
+  mapset m a v
+  mapset m ( a . 1 ) m
+  mapgetfirst m x b
+  while success
+    mapsetcur m a
+    mapgetnext m x b
+  end
+  maperase m ( "" . a )
+  mapget m ( a . 1 ) x
+  treeaddnode t "" "node"
+  treeaddnode t "node" "below"
+  treeset t "" a
+  treeset t "node.below" m
+  treecopynode t t "node" "node.below"
+  treegetsub t "node" v
+  treeget t "node.below.node.below" x
+  eval ( x = t )
+  treeerase t "node"
+  strreplace a ";" " and much more than that;"
+  strsplit a ";" b x x
+  strfind n a "memory"
+  strsub a 3 30 b
+  strinsert b 5 a
+  strerase b 0 40
+  stralign b "-" 0 200
+  strmakelines b 20 1
+  strupper a a
+  strtrim a b
+  strpatternmatch a "*MEMORY*"
+  gmtime 1236866709 m
+  localtime 1236866709 m
+  timetostr 1236866709 x
+  strtotime "3909-04-12T14:05:09Z" n
+  mapclear m
+  gmtime n m
+  maketime m n
+  eval ( out = a . b . l . s . m . v . n )
+end
+)";
+
 constexpr char kScriptFile[] = "EngineFaultTest.qcs";
 
 int logLevel = kLogTrace;
@@ -111,7 +195,6 @@ class EngineFault : public testing::Test {
   protected:
     void SetUp() override {
         osSetEnvironment("QUOREL_REGISTRY", "EngineFaultTest.db");
-        std::ofstream(kScriptFile, std::ios::binary) << kScript;
         logAddGlobalListener(&errors, hear, &logLevel);
         // Chunks of few records: objects ask for memory often, and can be refused it.
         scriptObjectPoolRelease();
@@ -143,6 +226,7 @@ class EngineFault : public testing::Test {
 }  // namespace
 
 TEST_F(EngineFault, AnyRequestForMemoryMayFail) {
+    std::ofstream(kScriptFile, std::ios::binary) << kScript;
     ASSERT_TRUE(live());
     const unsigned long long before = memRequestCount();
     ASSERT_TRUE(live());
@@ -155,4 +239,36 @@ TEST_F(EngineFault, AnyRequestForMemoryMayFail) {
             memFailAfter(-1, false);
         }
     EXPECT_TRUE(live());
+}
+
+TEST_F(EngineFault, EveryCommandEndsWithAStatusWhenMemoryEnds) {
+    std::ofstream(kScriptFile, std::ios::binary) << kCommands;
+    const Owned<String> path(stringFromText(kScriptFile));
+    ScriptEngine* engine = scriptEngineCreate();
+    ASSERT_TRUE(scriptEnginePrepareEngine(engine));
+    const uint32_t id = scriptVarNameToId(engine->parseTables, "out");
+    ASSERT_TRUE(scriptEnginePrepareRun(engine, path.get()));
+    const auto run = [&] {
+        errors = 0;
+        scriptEngineRun(engine, nullptr);
+        EXPECT_EQ(0u, engine->stack.size());
+        const ScriptObject* out = scriptBlockOwnVar(engine->globalBlock, id);
+        return out == nullptr ? "none" : std::string(stringView(&out->string));
+    };
+    const std::string whole = run();
+    EXPECT_LT(400u, whole.size());
+    EXPECT_EQ(0, errors);
+    const unsigned long long before = memRequestCount();
+    ASSERT_EQ(whole, run());
+    const auto requests = static_cast<long long>(memRequestCount() - before);
+    EXPECT_LT(200, requests);
+    for (const bool allLater : {false, true})
+        for (long long at = 0; at < requests && !HasFailure(); ++at) {
+            SCOPED_TRACE(at);
+            memFailAfter(at, allLater);
+            run();
+            memFailAfter(-1, false);
+        }
+    EXPECT_EQ(whole, run());
+    scriptEngineDestroy(&engine);
 }
