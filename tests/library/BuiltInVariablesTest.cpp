@@ -100,6 +100,8 @@ TEST_F(BuiltInVariables, WithoutSettings) {
 TEST_F(BuiltInVariables, WithSettings) {
     for (const char* name :
          {"installdir", "bin", "scripts", "config", "debug", "work", "temp", "sandbox"}) {
+        EXPECT_EQ(nullptr, pathConfiguredDirectory(kConfigDirectory)) << "only all together count";
+        pathReleaseConfiguredDirectories();
         set("directories", name, name);
     }
     set("network", "role", "subsite");

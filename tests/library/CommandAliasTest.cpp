@@ -9,9 +9,6 @@
 
 #include "ScriptEngine3/CommandFamilies.h"
 #include "ScriptEngine3/ScriptEngine.h"
-#include "ScriptEngine3Defs/ScriptObject.h"
-#include "containers/Map.h"
-#include "containers/Vector.h"
 #include "platform/machine.h"
 
 // Every command that writes to a variable, run with that variable as each of
@@ -61,6 +58,22 @@ class CommandAlias : public testing::Test {
             }
     }
 
+    void runAll() const {
+        std::ofstream(kFile, std::ios::binary) << script_;
+        ScriptEngine* engine = scriptEngineCreate();
+        ASSERT_TRUE(scriptEnginePrepareEngine(engine));
+        engine->requireSignature = 0;
+        const Owned<String> path(stringFromView(kFile));
+        ASSERT_TRUE(scriptEnginePrepareRun(engine, path.get()));
+        for (unsigned number = 0; number < functions_; ++number) {
+            const Owned<String> name(stringFromView("f" + std::to_string(number)));
+            scriptEngineRun(engine, name.get());
+            EXPECT_EQ(0u, engine->stack.size()) << stringView(name.get());
+        }
+        scriptEngineDestroy(&engine);
+        remove(kFile);
+    }
+
     std::string script_ = "function main\nend\n";
     unsigned functions_ = 0;
 };
@@ -81,74 +94,25 @@ TEST_F(CommandAlias, EveryTargetAsEverySource) {
                     if (source != target) add(row, count, target, source);
         }
     EXPECT_LT(100u, commands);
-    std::ofstream(kFile, std::ios::binary) << script_;
-    ScriptEngine* engine = scriptEngineCreate();
-    ASSERT_TRUE(scriptEnginePrepareEngine(engine));
-    engine->requireSignature = 0;
-    const Owned<String> path(stringFromView(kFile));
-    ASSERT_TRUE(scriptEnginePrepareRun(engine, path.get()));
-    for (unsigned number = 0; number < functions_; ++number) {
-        const Owned<String> name(stringFromView("f" + std::to_string(number)));
-        scriptEngineRun(engine, name.get());
-        EXPECT_EQ(0u, engine->stack.size()) << stringView(name.get());
-    }
-    scriptEngineDestroy(&engine);
-    remove(kFile);
+    runAll();
 }
 
 // A pointer can see an element of a container, and the command can end it there.
 TEST_F(CommandAlias, ATextThatIsAnElementOfTheTarget) {
-    const std::string vectors[] = {"strlower p v",         "strtrim p v",   "strsub p 1 5 v",
-                                   "strsplit p \";\" v a", "strfind v p p", "strinsert v 0 p",
-                                   "strtovector p p v"};
-    const std::string maps[] = {"strtomap p \"=\" p v", "strtomap p \"=\" \";\" v",
-                                "strtomap \"x=1\" p p v"};
-    const auto addCase = [this](std::string command, const char* type, const std::string& fill) {
-        const std::string number = std::to_string(functions_++);
-        for (size_t at = 0; (at = command.find_first_of("pv", at)) != command.npos; ++at)
-            if (command[at - 1] == ' ') command.insert(at + 1, number);
-        const std::string v = " v" + number;
-        const std::string p = " p" + number;
-        script_ += "function fill" + number + "\nglobal" + v + p + "\nretype" + v + " \"" + type +
-                   "\"\nretype" + p + " \"pointer\"\n" + fill + v + "\nend\nfunction f" + number +
-                   "\nvar a\n" + command + "\necho (" + v + " )\nend\n";
+    constexpr char kVector[] = "vector v\nstrtovector \"y=1;x=2 and more;y=3\" \"|\" v\n";
+    constexpr char kMap[] = "map v\nstrtomap \"x=y=1;x=2 and more;y=3\" \"=\" \"|\" v\n";
+    const auto add = [this](const char* container, const char* walk, const char* command) {
+        script_ += "function f" + std::to_string(functions_++) + "\npointer p\nvar a\n" +
+                   container + walk + command + "\necho ( v )\nend\n";
     };
-    for (const std::string& command : vectors)
-        addCase(command, "vector", "strtovector \"y=1;x=2 and more;y=3\" \"|\"");
-    for (const std::string& command : maps)
-        addCase(command, "map", "strtomap \"x=y=1;x=2 and more;y=3\" \"=\" \"|\"");
-    std::ofstream(kFile, std::ios::binary) << script_;
-    ScriptEngine* engine = scriptEngineCreate();
-    ASSERT_TRUE(scriptEnginePrepareEngine(engine));
-    engine->requireSignature = 0;
-    const Owned<String> path(stringFromView(kFile));
-    ASSERT_TRUE(scriptEnginePrepareRun(engine, path.get()));
-    for (unsigned number = 0; number < functions_; ++number) {
-        const Owned<String> name(stringFromView("fill" + std::to_string(number)));
-        ASSERT_TRUE(scriptEngineRun(engine, name.get()));
-    }
-    // Ids are in the order in which the names are met.
-    std::vector<ScriptObject*> pointers;
-    std::vector<void*> elements;
-    for (uint32_t id = 1; id < scriptVarIdCounter; ++id) {
-        ScriptObject* object = scriptBlockOwnVar(engine->globalBlock, id);
-        if (object == nullptr) continue;
-        if (object->type == kTypePointer) pointers.push_back(object);
-        if (object->type == kTypeVector) elements.push_back(vectorGet(object->vector.vector, 0));
-        if (object->type == kTypeMap) elements.push_back(mapFirstNode(object->map.map)->value);
-    }
-    ASSERT_EQ(functions_, pointers.size());
-    ASSERT_EQ(functions_, elements.size());
-    for (unsigned number = 0; number < functions_; ++number) {
-        auto* element = static_cast<ScriptObject*>(elements[number]);
-        ASSERT_EQ("y=1;x=2 and more;y=3", stringView(&element->string));
-        scriptPointerAim(pointers[number], element, engine->globalBlock);
-        const Owned<String> name(stringFromView("f" + std::to_string(number)));
-        scriptEngineRun(engine, name.get());
-        EXPECT_EQ(0u, engine->stack.size()) << number;
-    }
-    scriptEngineDestroy(&engine);
-    remove(kFile);
+    for (const char* command :
+         {"strlower p v", "strtrim p v", "strsub p 1 5 v", "strsplit p \";\" v a", "strfind v p p",
+          "strinsert v 0 p", "strtovector p p v", "vecset v 0 p", "vecget v 0 v", "vecappend v p"})
+        add(kVector, "vecgetfirst v p\n", command);
+    for (const char* command : {"strtomap p \"=\" p v", "strtomap p \"=\" \";\" v",
+                                "strtomap \"x=1\" p p v", "mapset v p p", "maperase v p"})
+        add(kMap, "mapgetfirst v a p\n", command);
+    runAll();
 }
 
 }  // namespace

@@ -57,29 +57,6 @@ TEST(List, PushesAndPopsAtBothEnds) {
     EXPECT_TRUE(contents(list).empty());
 }
 
-TEST(List, ErasingThroughACursorGoesToTheNextElementInListOrder) {
-    for (const bool forward : {true, false}) {
-        const Owned<List> list = listOf(4);
-        ListIterator* it = iteratorOn(list.get(), 1, forward);
-        destroyed.clear();
-        EXPECT_TRUE(listIterEraseWith(&it, noteDestroy));
-        EXPECT_EQ(2, of(listIterValue(it)));
-        EXPECT_TRUE(listIterInsertAfter(it, numbers[9]));
-        EXPECT_EQ(9, of(listIterValue(it)));
-        EXPECT_TRUE(listIterSetValue(it, numbers[8], noteDestroy));
-        EXPECT_EQ((std::vector<int>{0, 2, 8, 3}), contents(list));
-        EXPECT_EQ((std::vector<int>{1, 9}), destroyed);
-        EXPECT_TRUE(listIterNext(&it));
-        EXPECT_EQ(forward ? 3 : 2, of(listIterValue(it)));
-        if (!forward) {
-            listIterDestroy(&it);
-            it = listIterLast(list.get());
-        }
-        EXPECT_TRUE(listIterErase(&it)) << "the last element";
-        EXPECT_EQ(nullptr, it);
-    }
-}
-
 TEST(List, NoCursorIsLeftOnAnElementThatOthersErased) {
     for (int round = 0; round < 2 * 5 * 32; ++round) {
         const bool forward = round % 2 == 0;

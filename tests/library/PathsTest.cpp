@@ -7,11 +7,9 @@
 #include <tuple>
 
 #include "containers/Memory.h"
-#include "paths/ConfiguredDirectories.h"
 #include "paths/PathError.h"
 #include "platform/files.h"
 #include "platform/machine.h"
-#include "platform/registry.h"
 #include "strings/StringEdit.h"
 
 namespace {
@@ -282,25 +280,6 @@ TEST_F(PathFiles, SearchGoesThroughTheListAndAllParents) {
     EXPECT_FALSE(pathFindInPath(text("no such file").get(), target.get()));
     EXPECT_FALSE(pathFindInPath(text("").get(), target.get()));
     EXPECT_EQ(changed(pathCanonical, here_) + "\\a.txt", stringView(target.get()));
-}
-
-TEST_F(PathFiles, ConfiguredDirectoriesCountOnlyTogether) {
-    constexpr char kKey[] = "SOFTWARE\\Quorel\\version6\\directories";
-    osSetEnvironment("QUOREL_REGISTRY", here_ + "/registry.db");
-    pathReleaseConfiguredDirectories();
-    EXPECT_EQ(nullptr, pathConfiguredDirectory(kBinDirectory));
-    for (const char* name :
-         {"installdir", "bin", "scripts", "config", "debug", "work", "temp", "sandbox"}) {
-        EXPECT_EQ(nullptr, pathConfiguredDirectory(kConfigDirectory)) << name;
-        pathReleaseConfiguredDirectories();
-        ASSERT_EQ(OsRegistryResult::Done, osRegistrySet(kOsLocalMachine, kKey, name, kOsRegString,
-                                                        std::string("/") + name));
-    }
-    EXPECT_EQ("/config\\", made(pathConfiguredDirectory(kConfigDirectory)));
-    EXPECT_EQ("/bin\\", made(pathConfiguredDirectory(kBinDirectory)));
-    EXPECT_EQ(nullptr, pathConfiguredDirectory(kSourceRootDirectory));
-    osRegistryDeleteKey(kOsLocalMachine, kKey);
-    pathReleaseConfiguredDirectories();
 }
 
 }  // namespace

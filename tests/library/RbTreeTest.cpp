@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "ContainerElements.h"
-#include "containers/Memory.h"
 
 namespace {
 
@@ -173,19 +172,6 @@ TEST(RbTree, CursorsOutliveTheirEraseAClearAndTheTree) {
     tree.reset();
     EXPECT_FALSE(rbTreeIterIsValid(orphan));
     EXPECT_FALSE(rbTreeIterNext(&orphan));
-}
-
-TEST(RbTree, RefusesWhatItHasNoMemoryFor) {
-    memFailAfter(2, true);
-    const Owned<RbTree> tree(rbTreeCreate(compareSigned));
-    uint32_t inserted = 0;
-    while (rbTreeInsert(tree.get(), numbers[1])) ++inserted;
-    EXPECT_EQ(nullptr, rbTreeIterFirst(tree.get()));
-    EXPECT_EQ(nullptr, rbTreeCreate(compareSigned));
-    memFailAfter(-1, false);
-    EXPECT_LT(0u, inserted);
-    EXPECT_EQ(inserted, tree->count);
-    blackHeight(tree.get(), tree->root);
 }
 
 // Keys of whole numbers: even and odd ones are two kinds, a few have none, and
