@@ -71,8 +71,7 @@ TEST_F(ArgumentsTest, WhatWasReadStaysReadable) {
         [](Arguments& in, uint32_t at) {
             stringSetView(&in.target(at, kTypeString)->string, "another text, of some length");
         },
-        [](Arguments& in, uint32_t at) { scriptObjectRetype(in.target(at), kTypeNumber); },
-    };
+        [](Arguments& in, uint32_t at) { scriptObjectRetype(in.target(at), kTypeNumber); }};
     for (const Change change : kChanges)
         for (const uint32_t source : {0u, 1u})
             for (const uint32_t target : {0u, 1u})
@@ -115,25 +114,23 @@ TEST_F(ArgumentsTest, AnExpressionReadsWhatItsOperandsAreNow) {
         const char* expression;
         std::string first;
         std::string second;  // of the same program, run again
-    } cases[] = {
-        {"s .= s", text + text, text + text + text + text},
-        {"p .= p", text + text, text + text + text + text},
-        {"s += n", text + "7", text + "77"},
-        {"( s . n ) . s", text + "7" + text, text + "7" + text},
-        {"s . ( s = 1 )", "11", "11"},
-        {"( s . n ) . ( s = 1 )", text + "71", "171"},
-        {"n + ( n = 1 )", "2", "2"},
-        {"n = n = 3", "3", "3"},
-        {"++ 5 + ( n += 1 )", "14", "16"},
-        {"s = p", text, text},
-        {"p = s", text, text},
-        {"n ? s : p", text, text},
-        {"n &of s", std::string(1, text[7]), std::string(1, text[7])},
-        {"s * 2", "<none>", "<none>"},
-        {"s +", "<none>", "<none>"},
-        {"( s", "<none>", "<none>"},
-        {"+ n 1", "8", "8"},
-    };
+    } cases[] = {{"s .= s", text + text, text + text + text + text},
+                 {"p .= p", text + text, text + text + text + text},
+                 {"s += n", text + "7", text + "77"},
+                 {"( s . n ) . s", text + "7" + text, text + "7" + text},
+                 {"s . ( s = 1 )", "11", "11"},
+                 {"( s . n ) . ( s = 1 )", text + "71", "171"},
+                 {"n + ( n = 1 )", "2", "2"},
+                 {"n = n = 3", "3", "3"},
+                 {"++ 5 + ( n += 1 )", "14", "16"},
+                 {"s = p", text, text},
+                 {"p = s", text, text},
+                 {"n ? s : p", text, text},
+                 {"n &of s", std::string(1, text[7]), std::string(1, text[7])},
+                 {"s * 2", "<none>", "<none>"},
+                 {"s +", "<none>", "<none>"},
+                 {"( s", "<none>", "<none>"},
+                 {"+ n 1", "8", "8"}};
     for (const auto& [expression, first, second] : cases) {
         Owned<ScriptBlock> body(scriptBlockCreate());
         ScriptExpression* program = scriptEngineParseExpression(engine_, body.get(), expression);

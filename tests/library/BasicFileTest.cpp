@@ -82,8 +82,7 @@ TEST_F(BasicFileTest, ReadsTextByItsRules) {
           {";,", kNoLimit, 0, "\n", ';', 4, 4, false},
           {"", kNoLimit, 0, "z", 0, 4, 5, true}}},
         {"p\xE4q,r", {{"\xE4,", kNoLimit, 0, "p\xE4q", ',', 0, 1, false}}},
-        {"k=v\n", {{"=\n", 9, 0, "k", '=', 0, 1, false}, {"=\n", 9, 0, "v", '\n', 1, 1, false}}},
-    };
+        {"k=v\n", {{"=\n", 9, 0, "k", '=', 0, 1, false}, {"=\n", 9, 0, "v", '\n', 1, 1, false}}}};
     for (const Case& c : kCases) {
         put("f", c.content);
         Owned<BasicFile> file = open("f", kFileRead);
@@ -141,8 +140,7 @@ TEST_F(BasicFileTest, ModesAllowWhatTheySay) {
     constexpr Case kCases[] = {
         {kFileRead, true, true, false, "old"},     {kFileWrite, false, false, true, "W"},
         {kFileAppend, false, false, true, "oldW"}, {kFileReadWrite, true, true, true, "Wld"},
-        {kFileWriteRead, false, true, true, "W"},  {kFileAppendRead, false, true, true, "oldW"},
-    };
+        {kFileWriteRead, false, true, true, "W"},  {kFileAppendRead, false, true, true, "oldW"}};
     for (const Case& c : kCases) {
         fs::remove(folder / "new");
         EXPECT_EQ(c.needsFile ? kFileCannotOpen : kFileDone,
@@ -252,8 +250,7 @@ TEST_F(BasicFileTest, ComparesByContent) {
         {large, large, FileComparison::Equal},
         {large, large + "y", FileComparison::Different},
         {std::string(65536, 'x'), large, FileComparison::Different},
-        {std::string("a\0b", 3), std::string("a\0c", 3), FileComparison::Different},
-    };
+        {std::string("a\0b", 3), std::string("a\0c", 3), FileComparison::Different}};
     for (const Case& c : kCases) {
         put("a", c.a);
         put("b", c.b);

@@ -31,9 +31,8 @@ class BuiltInVariables : public testing::Test {
 
     void forget() {
         remove(kStoreFile);
-        for (const char* section : {"directories", "network"}) {
+        for (const char* section : {"directories", "network"})
             osRegistryDeleteKey(kOsLocalMachine, std::string(kSettings) + section);
-        }
         pathReleaseConfiguredDirectories();
         sysReleaseCache();
     }
@@ -81,16 +80,14 @@ TEST_F(BuiltInVariables, WithoutSettings) {
          {"installdir", "bindir", "scriptsdir", "configdir", "debugdir", "workdir", "tempdir"}) {
         EXPECT_EQ("<undefined>", stringOf(name)) << name;
     }
-    for (const char* name : {"localgroup", "localsubsite", "localsite", "localrouterhost"}) {
+    for (const char* name : {"localgroup", "localsubsite", "localsite", "localrouterhost"})
         EXPECT_EQ("", stringOf(name)) << name;
-    }
     EXPECT_EQ(0, numberOf("localrouterport"));
     EXPECT_EQ("none", stringOf("role"));
     EXPECT_LE(0, numberOf("timezone"));
     EXPECT_GT(1440, numberOf("timezone"));
-    for (const char* name : {"error", "success", "invalid_args", "out_of_memory"}) {
+    for (const char* name : {"error", "success", "invalid_args", "out_of_memory"})
         EXPECT_EQ(0, numberOf(name)) << name;
-    }
     EXPECT_EQ(variable("error")->nameId, engine_->errorVar);
     EXPECT_EQ(variable("out_of_memory")->nameId, engine_->outOfMemoryVar);
     EXPECT_LT(engine_->errorVar, engine_->successVar);

@@ -60,23 +60,21 @@ TEST_F(LoggerTest, ExpandsReferencesWithAllOddities) {
     messageCatalogueAdd(7, "seven %S");
     messageCatalogueAdd(8, "<#::7> %i");
     messageCatalogueAdd(9, "");
-    constexpr const char* kCases[][2] = {
-        {"#5", "#5"},
-        {"#:5", "#:5"},
-        {"##::7", "##::7"},
-        {"end #", "end "},
-        {"end #:", "end "},
-        {"#::", "::"},
-        {"#::x", "::#:x"},
-        {"#:::7", "::seven A"},
-        {"#::99999", "#::99999"},
-        {"#::099%i", "#::99%i"},
-        {"#::99#::7", "#::99#::7"},
-        {"#::9%S", "A"},
-        {"f: #::7, %i", "f: seven A, 2"},
-        {"#::8!", "<seven A> 2!"},
-        {"%i #::7", "A seven 2"},
-    };
+    constexpr const char* kCases[][2] = {{"#5", "#5"},
+                                         {"#:5", "#:5"},
+                                         {"##::7", "##::7"},
+                                         {"end #", "end "},
+                                         {"end #:", "end "},
+                                         {"#::", "::"},
+                                         {"#::x", "::#:x"},
+                                         {"#:::7", "::seven A"},
+                                         {"#::99999", "#::99999"},
+                                         {"#::099%i", "#::99%i"},
+                                         {"#::99#::7", "#::99#::7"},
+                                         {"#::9%S", "A"},
+                                         {"f: #::7, %i", "f: seven A, 2"},
+                                         {"#::8!", "<seven A> 2!"},
+                                         {"%i #::7", "A seven 2"}};
     for (const auto& [format, expected] : kCases)
         EXPECT_EQ(expected, expand(LogForm::Call, format, "A", 2)) << format;
 }
@@ -117,8 +115,7 @@ TEST_F(LoggerTest, PercentSignsWithAndWithoutArguments) {
     constexpr Case kCases[] = {
         {LogForm::Call, "100%%", "100%%", "100"},  {LogForm::Call, "%d%", "%d%", ""},
         {LogForm::Call, "%i %i", "%i %i", "5 %i"}, {LogForm::Call, "%i%%", "%i%%", "5"},
-        {LogForm::List, "100%%", "100%%", "100"},  {LogForm::List, "%i%%", "%i%%", "5%%"},
-    };
+        {LogForm::List, "100%%", "100%%", "100"},  {LogForm::List, "%i%%", "%i%%", "5%%"}};
     for (const auto& [form, format, without, with] : kCases) {
         EXPECT_EQ(without, expand(form, format)) << format;
         EXPECT_EQ(with, expand(form, format, 5)) << format;

@@ -66,9 +66,8 @@ TEST(PathTree, FindsAmongManyChildrenWhileTheyComeAndGo) {
         const Owned<String> earlier = text("n" + std::to_string(i / 2));
         EXPECT_TRUE(pathTreeEraseNode(tree.get(), earlier.get(), nullptr));
     }
-    for (int i = 0; i < 3000; ++i) {
+    for (int i = 0; i < 3000; ++i)
         EXPECT_EQ(i >= 1500 || i % 2 == 0, has(tree.get(), "n" + std::to_string(i))) << i;
-    }
     EXPECT_EQ(2250u, pathTreeCount(tree.get()));
     EXPECT_EQ("n0;n2;n4;", names(tree.get(), "").substr(0, 9)) << "in the order of their making";
 }

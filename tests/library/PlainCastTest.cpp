@@ -124,8 +124,7 @@ TEST_F(PlainCastTest, TakesTheScriptFromOneArgumentOrAnOption) {
         {"--script \"'t.qcs'\"", 0, "ran\n"},
         {"--script nowhere.qcs", 3, "<no nowhere.qcs>"},
         {"--info", 3, "<no script>\n"},
-        {"", 3, "CONFIGURATION ERROR\nCommand Line: "},
-    };
+        {"", 3, "CONFIGURATION ERROR\nCommand Line: "}};
     for (const Case& each : kCases) check(each, run(each.arguments));
     write("default.qcs", kScript);
     check({"", 0, "ran\n"}, run(""));
@@ -146,8 +145,7 @@ TEST_F(PlainCastTest, ReadsItsOptionsInOrder) {
         {"--startfunc", 3, "<lacks startfunc>"},
         {"--period", 3, "<lacks period>"},
         {"--var", 3, "<lacks var>"},
-        {"--script", 3, "<lacks script>"},
-    };
+        {"--script", 3, "<lacks script>"}};
     for (const Case& each : kCases) check(each, run(each.arguments));
 }
 
@@ -159,8 +157,7 @@ TEST_F(PlainCastTest, GivesVariablesToTheScript) {
         {"--var \"'a=x y'\" --startfunc values", 0, "x y\n"},
         {"--var =b", 3, "<no name>"},
         {"--var a-b=1", 3, "<not added>"},
-        {"--var bindir=mine --startfunc bin", 0, "Failed to get string value"},
-    };
+        {"--var bindir=mine --startfunc bin", 0, "Failed to get string value"}};
     for (const Case& each : kCases)
         check(each, run(std::string(each.arguments) + " --script t.qcs"));
     // Bodies have a `scriptdir` of their own, so only a global statement sees this one.
@@ -173,13 +170,11 @@ TEST_F(PlainCastTest, GivesVariablesToTheScript) {
 }
 
 TEST_F(PlainCastTest, EndsWhenTheScriptSaysSo) {
-    constexpr Case kCases[] = {
-        {"--startfunc leave --period 3600", 7, ""},
-        {"--startfunc shorten --period 3600", 0, "shortened\n"},
-        {"--period nonsense", 0, "ran\n"},
-        {"--startfunc wrong", 0, "Parameter 1 must be a \"number\""},
-        {"--startfunc waitquit", 0, "missing from this build"},
-    };
+    constexpr Case kCases[] = {{"--startfunc leave --period 3600", 7, ""},
+                               {"--startfunc shorten --period 3600", 0, "shortened\n"},
+                               {"--period nonsense", 0, "ran\n"},
+                               {"--startfunc wrong", 0, "Parameter 1 must be a \"number\""},
+                               {"--startfunc waitquit", 0, "missing from this build"}};
     for (const Case& each : kCases)
         check(each, run(std::string(each.arguments) + " --script t.qcs"));
 }

@@ -51,9 +51,8 @@ TEST_F(RegistryTest, RootsHaveTheirExactNames) {
     uint32_t root = 0;
     EXPECT_TRUE(regRootFromName(text("HKEY_CURRENT_CONFIG").get(), &root));
     EXPECT_EQ(0x80000005u, root);
-    for (const char* name : {"hkey_local_machine", "HKEY_LOCAL_MACHIN", "HKLM", ""}) {
+    for (const char* name : {"hkey_local_machine", "HKEY_LOCAL_MACHIN", "HKLM", ""})
         EXPECT_FALSE(regRootFromName(text(name).get(), &root)) << name;
-    }
 }
 
 TEST_F(RegistryTest, NothingIsThereBeforeAWriteAndReadingMakesNothing) {

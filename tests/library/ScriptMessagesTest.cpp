@@ -1,129 +1,15 @@
-#include <gtest/gtest.h>
+#include "ScriptCases.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <filesystem>
 #include <cstring>
-#include <fstream>
-#include <string>
-#include <vector>
-
-#include "ScriptEngine3/ScriptEngine.h"
-#include "logger/LogMessages.h"
-#include "logger/MessageExpand.h"
-#include "platform/machine.h"
 
 // What the engine says of a script that it refuses, and of one that fails.
 
 namespace {
 
-constexpr char kFile[] = "ScriptMessagesTest.qcs";
-constexpr int kLevel = kLogError;
+using ScriptMessages = ScriptCases;
 
 constexpr char kVariables[] =
     "var u\nlist l\nvector w\nset t\nmap m\npointer p\nstring s\nnumber n\ntree r\nparser a\n";
-
-struct Case {
-    std::string script;
-    std::string messages;
-};
-
-std::string heard;
-
-// Puts `#` for the number behind each `word`.
-void maskNumbers(std::string* line, const std::string& word) {
-    for (size_t at = 0; (at = line->find(word, at)) != line->npos;) {
-        at += word.size();
-        const size_t end = line->find_first_not_of("0123456789", at);
-        line->replace(at, end == line->npos ? end : end - at, "#");
-    }
-}
-
-// Keeps each message on a line of its own, without the path of the script, and
-// without the records that name a place in our own sources.
-bool hear(void*, int level, LogForm form, const char* format, const LogArg* args, uint32_t count) {
-    if (level > kLevel) return true;
-    const Owned<String> text(messageExpand(format, form, args, count));
-    std::string line(stringView(text.get()));
-    if (line.starts_with("   Error occured in file")) return true;
-    for (size_t at; (at = line.find(kFile)) != line.npos;) {
-        const size_t quote = line.rfind('"', at);
-        line.replace(quote + 1, at + sizeof kFile - 2 - quote, "*");
-    }
-    heard += line + "\n";
-    return true;
-}
-
-class ScriptMessages : public testing::Test {
-  protected:
-    static void SetUpTestSuite() {
-        osSetEnvironment("QUOREL_REGISTRY", "ScriptMessagesTest.db");
-        logMessagesInit();
-        logAddGlobalListener(&heard, hear, &kLevel);
-    }
-    static void TearDownTestSuite() {
-        logShutdown();
-        logMessagesDone();
-        remove(kFile);
-    }
-    void TearDown() override { scriptEngineDestroy(&engine_); }
-
-    bool parse(const std::string& script) {
-        heard.clear();
-        std::ofstream(kFile, std::ios::binary) << script;
-        scriptEngineDestroy(&engine_);
-        engine_ = scriptEngineCreate();
-        if (!scriptEnginePrepareEngine(engine_)) return false;
-        engine_->requireSignature = 0;
-        const Owned<String> path(stringFromView(kFile));
-        return scriptEnginePrepareRun(engine_, path.get());
-    }
-
-    // The messages of a function's run until the failed line itself is named.
-    std::string run(const std::string& function) {
-        heard.clear();
-        const Owned<String> name(stringFromView(function));
-        scriptEngineRun(engine_, name.get());
-        maskNumbers(&heard, "line ");
-        const size_t end = std::min(heard.find("scriptEngineRunBlock: Error occurred in line #"),
-                                    heard.find("scriptEngineExecuteFunction: Failed"));
-        return heard.substr(0, end);
-    }
-
-    // Runs each case as a function of its own, between `head` and `tail`.
-    void check(const std::vector<Case>& cases, const std::string& head, const std::string& tail) {
-        std::string script = "function same a a\nend\n";
-        for (size_t at = 0; at < cases.size(); ++at)
-            script += "function f" + std::to_string(at) + "\n" + kVariables + head +
-                      cases[at].script + tail + "\nend\n";
-        ASSERT_TRUE(parse(script)) << heard;
-        for (size_t at = 0; at < cases.size(); ++at) {
-            EXPECT_EQ(cases[at].messages, run("f" + std::to_string(at))) << cases[at].script;
-            EXPECT_NE("", heard) << cases[at].script;
-        }
-    }
-
-    ScriptEngine* engine_ = nullptr;
-};
-
-// Cases of a table, a line each: STATEMENT; STATEMENT -> MESSAGE | MESSAGE, where
-// @ stands for what the messages of handlers begin with.
-std::vector<Case> casesOf(std::string table) {
-    std::vector<Case> cases;
-    const auto each = [](std::string text, const std::string& from, const std::string& to) {
-        for (size_t at = 0; (at = text.find(from, at)) != text.npos; at += to.size())
-            text.replace(at, from.size(), to);
-        return text;
-    };
-    table = each(table, "@", "scriptEngine");
-    for (size_t at = 1, end; (end = table.find('\n', at)) != table.npos; at = end + 1) {
-        const size_t sign = table.find(" ->", at);
-        const std::string messages = table.substr(sign + 3, end - sign - 3);
-        cases.push_back({each(table.substr(at, sign - at), "; ", "\n"),
-                         messages.empty() ? "" : each(messages.substr(1), " | ", "\n") + "\n"});
-    }
-    return cases;
-}
 
 std::string inLine(const char* text, int line) {
     return text + std::string(" in line ") + std::to_string(line) + " in file \"*\"";
@@ -195,10 +81,9 @@ TEST_F(ScriptMessages, OfAScriptThatDoesNotParse) {
          unknown + "\"nothing\"\n" + inLine("scriptEngineParseBlock: Error occured", 4) +
              "\nscriptEngineParse: Failed to parse \"while\" block at line 3 in file \"*\"" +
              "\nscriptEngineParse: Failed to parse \"if\" block at line 2 in file \"*\"" + body},
-        {"include \"none/ScriptMessagesTest.qcs\"",
+        {"include \"none/ScriptCases.qcs\"",
          "scriptEngineParse: Cannot find script file \"*\"\nscriptEngineParse: Failed to include "
-         "\"*\", line 1 in file \"*\""},
-    };
+         "\"*\", line 1 in file \"*\""}};
     for (const auto& [script, messages] : cases) {
         EXPECT_FALSE(parse(script)) << script;
         EXPECT_EQ(messages + "\n", heard) << script;
@@ -222,7 +107,8 @@ echo ( ( 1 + 2 -> @Evaluate: Failed to evaluate expression | @Echo: Failed to ge
 print r -> @Print: Failed to get string value
 error u -> @Error: Failed to get string value
 exit none -> Parameter 1 is not (properly) defined
-return ( none ) -> @Evaluate: Undefined variable in expression | Parameter 1 is not (properly) defined
+return ( none ) -> @Evaluate: Undefined variable in expression |
+  Parameter 1 is not (properly) defined
 call "same" 1 2 3 -> @Call: INTERNAL ERROR!
 call "same" 1 none -> @Call: Invalid argument no. 2
 call "same" ( 1 2 ) -> @Evaluate: Invalid expression | @Call: Invalid argument no. 1
@@ -255,7 +141,7 @@ loginfo 5 -> Parameter 1 must be a "string"
 logtrace none -> Parameter 1 is not (properly) defined
 logerror "100% of %s, #::99999%s, #::14" -> 100% of %s, #::99999%s, (Error: %i)
 )"),
-          "", "");
+          kVariables);
     const std::string undefined = "Parameter 1 is not (properly) defined\n";
     const std::string noIncrement =
         "evaluateIncr: Can only increment numbers\nscriptEngineEvaluate: Failed to evaluate "
@@ -273,7 +159,7 @@ logerror "100% of %s, #::99999%s, #::14" -> 100% of %s, #::99999%s, (Error: %i)
            {"setptr p none",
             "Parameter 2 is not (properly) defined\nParameter 2 is not (properly) defined\n"
             "scriptEnginePtr: Second parameter is invalid\n"}},
-          "", "");
+          kVariables);
     // A failure goes up through all that runs, each level adding its record.
     ASSERT_TRUE(
         parse("function f\nif 1\nwhile 1\nfor 1 1 1\nexit none\nend\nend\nend\nend\n"
@@ -365,163 +251,7 @@ l += n -> evaluateAddassign: Failed to assign
         one.messages +=
             "scriptEngineEvaluate: Failed to evaluate expression\n"
             "scriptEngineEcho: Failed to get string value\n";
-    check(cases, "echo ( ", " )");
-}
-
-TEST_F(ScriptMessages, OfCommandsOnTextsAndTimes) {
-    check(casesOf(R"(
-strsplit n "," s -> Parameter 1 must be a "string"
-strsplit "a,b," "," s none s -> Parameter 4 is not (properly) defined
-strtovector s s l -> Parameter 3 must be a "vector"
-strtovector s s w u -> @StrToVector: Failed to get boolean value of third parameter
-strtolist s s l u -> @StrErase: Failed to get boolean value of third parameter
-strtoset s s t u -> @StrToSet: Failed to get boolean value of third parameter
-strtoset s s t ->
-strtomap s s s m u -> @StrToMap: Failed to get boolean value of fourth parameter
-strtomap s s s r -> Parameter 4 must be a "map"
-strfind s s s -> Parameter 2 must be a "string"
-strsub s s 1 s -> Parameter 2 must be a "number"
-strpatternmatch s s u -> @StrErase: Failed to get boolean value of third parameter
-strlower s none -> Parameter 2 is not (properly) defined
-stralign s "" 0 9 -> @StrAlign: Second parameter has no value
-stralign s "-" "l" 9 -> Parameter 3 must be a "number"
-strtotime "2009-02-29" n -> @StrToTime: Failed to parse string time
-maketime m n -> @MakeTime: Out of memory
-maketime m m -> @MakeTime: Out of memory
-gettick s -> Parameter 1 must be a "number"
-strdiff s s s w -> The command "strdiff" is missing from this build
-)"),
-          "", "");
-}
-
-TEST_F(ScriptMessages, OfContainers) {
-    check(casesOf(R"(
-vecappend l 1 -> Parameter 1 must be a "vector"
-listpush w 1 -> Parameter 1 must be a "list"
-setclear w -> Parameter 1 must be a "set"
-mapclear none -> Parameter 1 is not (properly) defined
-treeclear m -> Parameter 1 must be a "illegal type"
-vecappend w 1 u -> @VecAppend: Failed to append parameter 3
-vecappend w 1 none -> Parameter 3 is not (properly) defined
-vecappend w 1 ( w = 2 ) -> Parameter 1 must be a "vector"
-vecappend w r -> @VecAppend: Failed to append parameter 2
-vecinsert w s 1 -> Parameter 2 must be a "number"
-vecinsert w 0 none -> @VecInsert: Failed to insert value
-vecset w 0 u -> @VecSet: Failed to set value
-vecset w 0 1 -> @VecSet: Out of memory
-vecerase w 0 -> @VecErase: Index out of bounds
-vecappend w 1; vecerase w 0 -> @VecErase: Index out of bounds
-vecappend w 1 2; vecerase w -1 -> @VecErase: Index out of bounds
-vecappend w 1 2; vecerase w 0 s -> @VecErase: Second parameter must be a number
-vecget w 0 n -> @VecGet: Index out of bounds
-vecappend w 1; vecget w ( 0 / 0 - 1 ) n -> @VecGet: Index out of bounds
-vecappend w 1; vecget w 0 none -> Parameter 3 is not (properly) defined
-vecgetnext w n -> @VecGetNext: Iteration has not been initialized
-vecappend w 1; vecgetfirst w none -> Parameter 2 is not (properly) defined
-vecappend w 1 2 3; vecgetlast w n; vecerase w 0 2; vecgetnext w n; vecgetnext w n -> @VecGetNext: NULL-object found at index 0 in vector
-vecappend w 1; vecgetfirst w n; vecclear w; vecgetnext w n -> @VecGetNext: NULL-object found at index 4294967295 in vector
-vecappend w p; vecgetfirst w n -> @VecGetFirst: Failed to assign vector value to target variable
-vecappend w p; vecgetlast w n -> @VecGetLast: Failed to assign vector value to target variable
-vecappend w 1 p; vecgetfirst w n; vecgetnext w n -> @VecGetNext: Failed to assign vector value to target variable
-vecappend w p; vecget w 0 n -> @VecGet: Failed to assign vector value to target variable
-vecsetcur w 1 -> @VecSetCur: Iteration has not been initialized
-vecappend w 1; vecgetfirst w n; vecclear w; vecsetcur w 1 -> @VecSetCur: Iteration has not been initialized
-vecappend w 1; vecgetfirst w n; vecsetcur w u -> @VecSetCur: Failed to set value
-listappend l 1 u -> @ListAppend: Failed to append parameter 3
-listpush l u 1 -> @ListPush: Failed to append parameter 2
-listinsert l 1 -> @ListInsert: Iteration has not been initialized
-listappend l 1; listgetfirst l n; listclear l; listinsert l 1 -> @ListInsert: Iteration has not been initialized
-listappend l 1; listgetfirst l n; listinsert l u -> @ListInsert: Failed to erase
-listerase l -> @ListErase: Iteration has not been initialized
-listappend l 1 2; listgetlast l n; listerase l; listerase l -> @ListErase: Iteration has not been initialized
-listappend l 1; listgetnext l n -> @ListGetNext: Iteration has not been initialized (1)
-listappend l 1; listgetfirst l n; listgetnext l n; listgetnext l n -> @ListGetNext: Iteration has not been initialized (2)
-listappend l p; listgetfirst l n -> @ListGetFirst: Failed to assign list value to target variable
-listappend l p; listgetlast l n -> @ListGetLast: Failed to assign list value to target variable
-listappend l 1 p; listgetfirst l n; listgetnext l n -> @ListGetNext: Failed to assign list value to target variable
-listsetcur l 1 -> @ListSetCur: Iteration has not been initialized
-listappend l 1; listgetfirst l n; listsetcur l u -> @ListSetCur: Failed to set value
-setinsert t u 1 -> @SetInsert: Failed to append parameter 2
-setinsert t 1; setgetnext t n -> @SetGetNext: Iteration has not been initialized
-setinsert t 1; setgetfirst t n; seterase t 1; setinsert t 1; setgetnext t n; setgetnext t n -> @SetGetNext: Iteration has not been initialized
-setinsert t p; setgetfirst t n -> @SetGetFirst: Failed to assign set value to target variable
-setinsert t p; setgetlast t n -> @SetGetLast: Failed to assign set value to target variable
-setinsert t p 1; setgetlast t n; setgetnext t n -> @SetGetNext: Failed to assign set value to target variable
-mapinsert m u 1 -> @MapInsert: Failed to access parameter 2
-mapset m 1 u -> @MapInsert: Failed to access parameter 3
-mapset m 1 p; mapget m 1 n -> @MapGet: Failed to get map value
-mapset m 1 1; mapgetnext m n n -> @MapGetNext: Iteration has not been initialized
-mapset m p 1; mapgetfirst m n s -> @MapGetFirst: Failed to get map key
-mapset m 1 p; mapgetfirst m n s -> @MapGetFirst: Failed to get map value
-mapset m p 1; mapgetlast m n s -> @MapGetLast: Failed to get map key
-mapset m 1 p; mapgetlast m n s -> @MapGetLast: Failed to get map value
-mapset m 1 1; mapset m 0 p; mapgetlast m n s; mapgetnext m n s -> @MapGetNext: Failed to get map value
-mapset m 1 1; mapset m p 1; mapgetlast m n s; mapgetnext m n s -> @MapGetNext: Failed to get map key
-mapset m 1 1; mapgetfirst m n s; maperase m 1; mapsetcur m 1 -> @MapSetCur: Iteration has not been initialized
-mapset m 1 1; mapgetfirst m n s; mapsetcur m u -> @MapSetCur: Failed to set value
-treeaddnode r "" 5 -> Parameter 3 must be a "string"
-treeset r 5 5 -> Parameter 2 must be a "string"
-treeset r "" u -> @TreeSet: Failed to access parameter 3
-treeset r "" p; treeget r "" n -> @TreeGet: Failed to get tree value
-treegetsub r "" m -> @TreeGetSub: Third parameter must be a vector, a list or a set
-treecopynode r m "" "" -> Parameter 2 must be a "illegal type"
-treecopynode r r "" "" -> @TreeCopyNode: Out of memory
-)"),
-          "", "");
-}
-
-TEST_F(ScriptMessages, OfFiles) {
-    const std::filesystem::path folder = "ScriptMessagesTest.tmp";
-    std::filesystem::create_directories(folder);
-    std::ofstream(folder / "long") << std::string(4095, 'x') << "\n" << std::string(4096, 'y');
-    std::ofstream(folder / "huge").close();
-    std::filesystem::resize_file(folder / "huge", 5368709120);
-    const std::string noFile = "bfileOpen: Cannot open file \"ScriptMessagesTest.tmp/n/o\"\n";
-    const std::string open = "fileopen f \"ScriptMessagesTest.tmp/long\" \"read\"\n";
-    const Case cases[] = {
-        {"fileopen n \"x\" \"read\"", "Parameter 1 must be a \"file\""},
-        {"fileopen f \"x\" \"Read\"", "scriptEngineFileOpen: Invalid file mode"},
-        {"fileopen f @n/o\" \"read\"", noFile + "scriptEngineFileOpen: Failed to open file"},
-        {"fileopen f @long/x/y\" \"append\"",
-         "scriptEngineFileOpen: Could not access directory of \"ScriptMessagesTest.tmp/long/x/y\""},
-        {"fileread f 1 s", "scriptEngineFileRead: File not opened for reading"},
-        {"filereadline f s", "scriptEngineFileReadLine: File not opened for reading"},
-        {"filereaduntil f \";\" s", "scriptEngineFileReadUntil: File not opened for reading"},
-        {open + "fileread f 1 f", "Parameter 1 must be a \"file\""},
-        {open + "fileread f \"1\" s", "Parameter 2 must be a \"number\""},
-        {open + "filewrite f s", "scriptEngineFileWrite: File not opened for writing"},
-        {open + "filewriteline f s", "scriptEngineFileWriteLine: File not opened for writing"},
-        {"filewrite f 1", "Parameter 2 must be a \"string\""},
-        {open + "filereadline f s\nlogerror ( \"\" . &sizeof s )\nfilereadline f s",
-         "4095\nscriptEngineFileReadLine: Failed to read"},
-        {open + "filereaduntil f \"y\" s\nfilereaduntil f \";\" s",
-         "scriptEngineFileReadUntil: Failed to read"},
-        {"filetostr @huge\" s", "scriptEngineFileToStr: Failed to read from file"},
-        {"fileopen f @huge\" \"read\"\nsize f n\nlogerror ( n . \" \" . &fsize @huge\" )",
-         "1073741824 5368709120"},
-        {"vecappend w 1\nfiletovector @long\" w",
-         "scriptEngineFileToVector: Failed to read from file"},
-        {"filetolines @n/o\" s", noFile + "scriptEngineFileToLines: Failed to open file"},
-        {"filetolines @long\" s s s s", "scriptEngineFileToLines: Failed to read from file"},
-        {"filetolist @n/o\" l\nstrtofile s @n/o\"",
-         noFile + "scriptEngineStrToFile: Failed to open file"},
-        {"vectortofile l @x\"", "Parameter 1 must be a \"vector\""},
-        {"listappend l \"1\" 2\nlisttofile l @x\"",
-         "scriptEngineListToFile: Failed to write to file"},
-        {"mapset m 1 a\nmaptofile m \"=\" @x\"", "scriptEngineMapToFile: Failed to write to file"},
-        {"linestofile @x\" 1 l u", "scriptEngineLinesToFile: Parameter 3 has no value"},
-    };
-    std::string script;
-    for (size_t number = 0; const Case& one : cases) {
-        script += "function f" + std::to_string(number++) + "\nfile f\n" + kVariables + one.script;
-        for (size_t at; (at = script.find('@')) != script.npos;)
-            script.replace(at, 1, "\"ScriptMessagesTest.tmp/");
-        script += "\nend\n";
-    }
-    ASSERT_TRUE(parse(script)) << heard;
-    for (size_t number = 0; const auto& [text, messages] : cases)
-        EXPECT_EQ(messages + "\n", run("f" + std::to_string(number++))) << text;
-    std::filesystem::remove_all(folder);
+    check(cases, std::string(kVariables) + "echo ( ", " )");
 }
 
 }  // namespace

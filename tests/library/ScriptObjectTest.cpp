@@ -103,21 +103,19 @@ TEST(ScriptObject, ContainersJoinTheTextsOfWhatTheyHold) {
         Object value;
         const char* text;
         ScriptTruth truth;
-    } cases[] = {
-        {list(), "", kFalse},
-        {list(text("")), "", kTrue},
-        {list(text(""), number(1.5), text(""), text("b")), "1.5;;b", kTrue},
-        {list(list(number(1), number(2)), list(), text("x")), "1;2;;x", kTrue},
-        {list(undef(), number(1), undef()), "1", kTrue},
-        {list(Object(scriptObjectCreate(kTypeTree)), text("x")), "x", kTrue},
-        {map(text("k"), list(number(1), number(2))), "k=1;2", kTrue},
-        {map(text("k"), undef()), "k", kTrue},
-        {map(undef(), text("v")), "", kTrue},
-        {Object(scriptObjectCreate(kTypeTree)), kNoText, kFalse},
-        {Object(scriptObjectCreate(kTypeConfig)), kNoText, kTrue},
-        {undef(), kNoText, kNoTruth},
-        {Object(scriptObjectCreate(kTypePointer)), kNoText, kNoTruth},
-    };
+    } cases[] = {{list(), "", kFalse},
+                 {list(text("")), "", kTrue},
+                 {list(text(""), number(1.5), text(""), text("b")), "1.5;;b", kTrue},
+                 {list(list(number(1), number(2)), list(), text("x")), "1;2;;x", kTrue},
+                 {list(undef(), number(1), undef()), "1", kTrue},
+                 {list(Object(scriptObjectCreate(kTypeTree)), text("x")), "x", kTrue},
+                 {map(text("k"), list(number(1), number(2))), "k=1;2", kTrue},
+                 {map(text("k"), undef()), "k", kTrue},
+                 {map(undef(), text("v")), "", kTrue},
+                 {Object(scriptObjectCreate(kTypeTree)), kNoText, kFalse},
+                 {Object(scriptObjectCreate(kTypeConfig)), kNoText, kTrue},
+                 {undef(), kNoText, kNoTruth},
+                 {Object(scriptObjectCreate(kTypePointer)), kNoText, kNoTruth}};
     for (const auto& [value, expected, truth] : cases) {
         EXPECT_EQ(expected, textOf(value.get()));
         EXPECT_EQ(truth, scriptObjectGetBool(nullptr, value.get())) << expected;
@@ -132,23 +130,21 @@ TEST(ScriptObject, ComparesNumbersExactlyAndTheRestByText) {
         Object left;
         Object right;
         int order;
-    } cases[] = {
-        {number(10), text("9"), -1},
-        {number(1.5), text("1.5"), 0},
-        {number(1), number(1 + 1e-15), -1},
-        {number(NAN), number(1), 0},
-        {text("a"), text("ab"), -1},
-        {text("\xff"), text("a"), -1},  // bytes count as signed
-        {list(number(1), number(2)), text("1;2"), 0},
-        {undef(), undef(), 0},
-        {undef(), list(), -1},
-        {list(), undef(), 1},
-        {pointerTo(target.get()), text("b"), 0},
-        {pointerTo(nullptr), text("b"), kCompareFailed},
-        {pointerTo(two.get()), text("b"), 0},  // the pointers behind the first have texts
-        {Object(scriptObjectCreate(kTypeTree)), Object(scriptObjectCreate(kTypeTree)),
-         kCompareFailed},
-    };
+    } cases[] = {{number(10), text("9"), -1},
+                 {number(1.5), text("1.5"), 0},
+                 {number(1), number(1 + 1e-15), -1},
+                 {number(NAN), number(1), 0},
+                 {text("a"), text("ab"), -1},
+                 {text("\xff"), text("a"), -1},  // bytes count as signed
+                 {list(number(1), number(2)), text("1;2"), 0},
+                 {undef(), undef(), 0},
+                 {undef(), list(), -1},
+                 {list(), undef(), 1},
+                 {pointerTo(target.get()), text("b"), 0},
+                 {pointerTo(nullptr), text("b"), kCompareFailed},
+                 {pointerTo(two.get()), text("b"), 0},  // the pointers behind the first have texts
+                 {Object(scriptObjectCreate(kTypeTree)), Object(scriptObjectCreate(kTypeTree)),
+                  kCompareFailed}};
     for (const auto& row : cases)
         EXPECT_EQ(row.order, scriptObjectCompare(nullptr, row.left.get(), row.right.get()))
             << textOf(row.left.get()) << " / " << textOf(row.right.get());
@@ -160,19 +156,17 @@ TEST(ScriptObject, AHolderTakesTheValueOfWhatItHolds) {
         Object (*make)();
         bool assigned;
         const char* text;
-    } cases[] = {
-        {[] { return number(5); }, true, "5"},
-        {[] { return text("a text that lies in memory of its own"); }, true,
-         "a text that lies in memory of its own"},
-        {[] { return list(number(1), text("x")); }, true, "1;x"},
-        {[] { return holding(kTypeVector, text("y")); }, true, "y"},
-        {[] { return holding(kTypeMap, text("y")); }, true, "k=y"},
-        {[] { return holding(kTypeTree, text("y")); }, true, kNoText},
-        {[] { return Object(scriptObjectCreate(kTypeTree)); }, true, kNoText},
-        {[] { return Object(scriptObjectCreate(kTypeExpr)); }, true, kNoText},
-        {[] { return undef(); }, false, kNoText},
-        {[] { return list(undef()); }, false, ""},
-    };
+    } cases[] = {{[] { return number(5); }, true, "5"},
+                 {[] { return text("a text that lies in memory of its own"); }, true,
+                  "a text that lies in memory of its own"},
+                 {[] { return list(number(1), text("x")); }, true, "1;x"},
+                 {[] { return holding(kTypeVector, text("y")); }, true, "y"},
+                 {[] { return holding(kTypeMap, text("y")); }, true, "k=y"},
+                 {[] { return holding(kTypeTree, text("y")); }, true, kNoText},
+                 {[] { return Object(scriptObjectCreate(kTypeTree)); }, true, kNoText},
+                 {[] { return Object(scriptObjectCreate(kTypeExpr)); }, true, kNoText},
+                 {[] { return undef(); }, false, kNoText},
+                 {[] { return list(undef()); }, false, ""}};
     for (const ScriptType type : kHolders)
         for (const auto& [make, assigned, expected] : cases) {
             Object element = make();

@@ -33,9 +33,8 @@ std::string folder(const char* name) {
 }
 
 bool holds(const Vector* names, std::string_view name) {
-    for (uint32_t i = 0; i < vectorSize(names); ++i) {
+    for (uint32_t i = 0; i < vectorSize(names); ++i)
         if (stringView(static_cast<String*>(vectorGet(names, i))) == name) return true;
-    }
     return false;
 }
 

@@ -150,15 +150,13 @@ TEST_F(ThreadTest, LogsALifeInOrder) {
     EXPECT_TRUE(threadWait(thread, kHour));
     threadModuleDone();
     EXPECT_FALSE(threadStart(nullptr));
-    const std::vector<std::string> expected = {
-        "threadInit: Created thread object",
-        "threadStart: Starting thread \"a_b\"",
-        "threadStart: Thread N (a_b) started",
-        "threadSignalStop: Stopping thread N (a_b)",
-        "threadSignalStop: Stop signal sent to thread N",
-        "threadKill: Destroying thread N (\"a_b\")",
-        "threadKill: Closing handle of:N",
-    };
+    const std::vector<std::string> expected = {"threadInit: Created thread object",
+                                               "threadStart: Starting thread \"a_b\"",
+                                               "threadStart: Thread N (a_b) started",
+                                               "threadSignalStop: Stopping thread N (a_b)",
+                                               "threadSignalStop: Stop signal sent to thread N",
+                                               "threadKill: Destroying thread N (\"a_b\")",
+                                               "threadKill: Closing handle of:N"};
     EXPECT_EQ(expected, log.masked(number));
 }
 

@@ -16,10 +16,9 @@ struct Place {
     int32_t winter;  // minutes: west of Greenwich the complement to a day
     int32_t summer;
 };
-constexpr Place kPlaces[] = {
-    {"UTC0", 0, 0},          {"QRL-3:30", 210, 210}, {"QRL-13", 780, 780},
-    {"QRL3:30", 1230, 1230}, {"QRL12", 720, 720},    {"EST5EDT", 1140, 1200},
-};
+constexpr Place kPlaces[] = {{"UTC0", 0, 0},       {"QRL-3:30", 210, 210},
+                             {"QRL-13", 780, 780}, {"QRL3:30", 1230, 1230},
+                             {"QRL12", 720, 720},  {"EST5EDT", 1140, 1200}};
 
 constexpr int64_t kWinter = 1231943400;  // 2009-01-14 14:30:00 UTC
 constexpr int64_t kSummer = 1247581800;  // 2009-07-14 14:30:00 UTC
