@@ -7,6 +7,7 @@ plaincast_test(CalendarTest time)
 plaincast_test(CommandAliasTest ScriptEngine3)
 plaincast_test(CommandCasesTest ScriptEngine3 logmessages)
 plaincast_test(EngineFaultTest ScriptEngine3)
+plaincast_test(LanguageCasesTest ScriptEngine3 logmessages)
 plaincast_test(ListTest containers)
 plaincast_test(LockTest containers)
 plaincast_test(LogMessagesTest logmessages)
@@ -49,5 +50,6 @@ target_compile_definitions(PlainCastTest PRIVATE
 add_dependencies(PlainCastTest quorel_plaincast)
 # Under Windows the registry is one for all tests: those that write settings or need
 # them absent run one after the other.
-set_tests_properties(BuiltInVariablesTest CommandCasesTest LogMessagesTest PathsTest PlainCastTest RegistryTest
-    ScriptMessagesTest SystemInfoTest PROPERTIES RESOURCE_LOCK registry)
+set_tests_properties(BuiltInVariablesTest CommandCasesTest LanguageCasesTest LogMessagesTest
+    PathsTest PlainCastTest RegistryTest ScriptMessagesTest SystemInfoTest
+    PROPERTIES RESOURCE_LOCK registry)
