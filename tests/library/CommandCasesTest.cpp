@@ -333,4 +333,29 @@ strpatternmatch "ABC" "a*"; OK; strpatternmatch "ABC" "a*" 0; OK; strpatternmatc
           kResults);
 }
 
+TEST_F(CommandCases, Times) {
+    check(casesOf(R"(
+gmtime 0 m; show ( m . "" ); mapclear m; gmtime 951782400.9 m; show ( m . "" ) ->
+  hour=0;isdst=1;mday=1;min=0;mon=1;sec=0;wday=4;year=1970 |
+  hour=0;isdst=1;mday=29;min=0;mon=2;sec=0;wday=2;year=2000
+gmtime -1 m; show ( m . "" ); mapclear m; gmtime -2208988800 m; show ( m . "" ) ->
+  hour=23;isdst=1;mday=31;min=59;mon=12;sec=59;wday=3;year=1969 |
+  hour=0;isdst=1;mday=1;min=0;mon=1;sec=0;wday=1;year=1900
+timetostr 1236866709 a; strtotime a n; show ( a . " " . n ); timetostr 4102444799 a;
+  strtotime a n; show ( a . " " . n ); timetostr 253402300800 a; show ( a . "" ) ->
+  2009-03-12T14:05:09 1236866709 | 2099-12-31T23:59:59 4102444799 | 10000-01-01T00:00:00
+timetostr -1 a; strtotime a n; show ( a . " " . n ); strtotime "20090312T1405" n; show ( n . "" );
+  strtotime "soon" n -> 1969-12-31T23:59:59 18446744073709552 | 1236866700 |
+  @StrToTime: Failed to parse string time
+strtotime "3909-04-12T14:05:09Z" n; gmtime n m; maketime m n; show ( n . "" ); mapset m "mon" 1;
+  maketime m n -> 1236866709 | @MakeTime: Out of memory
+gmtime 0 m; localtime 1236866709 m; show ( &sizeof m . " " . ( "year" &of m ) );
+  eval ( n = 86400 ); gmtime n n; show ( n . "" ) -> 16 1970 |
+  hour=0;isdst=1;mday=2;min=0;mon=1;sec=0;wday=5;year=1970
+time m; show ( ( m > 1700000000 ) . "" ); gettick m; sleep 1.9; sleep -0.5; OK; timetostr m a;
+  strtotime a a; show ( ( a == m ) . ok ) -> 1 | 11
+)"),
+          kResults);
+}
+
 }  // namespace

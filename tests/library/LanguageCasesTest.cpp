@@ -81,4 +81,26 @@ retype success "string"; show ( success . "" ); eval ( error = "was text" );
           kVariables);
 }
 
+TEST_F(LanguageCases, BranchesAndLoops) {
+    check(casesOf(R"(
+eval ( x = 0 ); while ( ++ n <= 4 ); if ( n == 1 ); eval ( a .= "if " ); end;
+  elseif ( ++ x & n == 2 ); eval ( a .= "elseif " ); end; elseif ( ++ x & n == 3 );
+  eval ( a .= "second " ); end; else; eval ( a .= "else " ); end; end; show ( a . x ) ->
+  if elseif second else 5
+for ( n = 0 ) ( n < 3 ) ( n += 1 ); if ( n == 1 ); end; else; if ( n == 2 ); eval ( a .= "2" );
+  end; else; eval ( a .= "else " ); end; end; end; show ( a . "" ) -> else 2
+for ( n = 0 ) ( n < 5 ) ( n += 1 ); if ( n == 1 ); continue; end; if ( n == 4 ); break; end;
+  eval ( a .= "i" . n ); for ( x = 0 ) 1 ( ++ x ); if ( x < 2 ); continue; end; break; end;
+  eval ( a .= "j" . x ); end; show ( a . n ) -> i0j2i2j2i3j24
+while ( ++ 0 < 3 ); eval ( a .= "r" ); end; while ( ++ 0 < 3 ); eval ( a .= "g" ); end;
+  for ( n = 0 ) ( n < 2 ) ( ++ n ); number local; eval ( a .= ++ 5 . "," );
+  eval ( a .= ++ 5 . ++ local . "," ); while ( ++ 0 < 3 ); eval ( a .= ++ 10 . " " ); end; end;
+  show ( a . "." ) -> rrgg6,61,11 11 6,61,11 11 .
+eval ( n = 3 ); while n; eval ( a .= n ); eval ( -- n ); end; for 1 "" ( x = 0 );
+  eval ( a .= "never" ); end; eval ( b = "x" ); for 1 b ( b = "" ); eval ( a .= "once" ); end;
+  while ""; eval ( a .= "never" ); end; show ( a . "" ) -> 321once
+)"),
+          kVariables);
+}
+
 }  // namespace
