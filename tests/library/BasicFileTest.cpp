@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "containers/Memory.h"
 #include "files/FileStream.h"
 #include "platform/files.h"
 
@@ -259,22 +258,6 @@ TEST_F(BasicFileTest, ComparesByContent) {
         EXPECT_EQ(c.result, bfileCompare(record("b").get(), a.get()));
         EXPECT_EQ(FileComparison::Failed, bfileCompare(a.get(), record("none").get()));
         EXPECT_EQ(kFileClosed, bfileMode(a.get()));
-    }
-}
-
-TEST_F(BasicFileTest, FailsCleanlyWithoutMemory) {
-    put("f", std::string(100000, 'x') + "\n");
-    for (int n = 0; n < 40; ++n) {
-        memFailAfter(n, true);
-        Owned<BasicFile> file = record("f");
-        Owned<BasicFile> copy(bfileCopy(file.get()));
-        if (bfileOpen(file.get(), kFileRead) == kFileDone &&
-            bfileReadLine(file.get(), out.get(), kNoLimit) == kFileDone) {
-            EXPECT_EQ(100000u, out->length);
-        }
-        copy.reset(bfileCopy(file.get()));
-        memFailAfter(-1, false);
-        out.reset(stringNewEmpty());
     }
 }
 

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "containers/List.h"
-#include "containers/Memory.h"
 #include "logger/LogConsole.h"
 #include "logger/Logger.h"
 #include "logger/LoggerShell.h"
@@ -223,26 +222,6 @@ TEST_F(LoggerTest, LinesOfManyThreadsStayWhole) {
         at = end + 1;
     }
     EXPECT_EQ(std::string(200000, 'y'), all.substr(at));
-}
-
-TEST_F(LoggerTest, RunningOutOfMemoryLosesTextAndNothingElse) {
-    messageCatalogueCreate();
-    messageCatalogueAdd(7, "seven %S");
-    Owned<LogConsole> console(logConsoleCreate(kLogTrace));
-    ASSERT_TRUE(logConsoleRegister(console.get()));
-    testing::internal::CaptureStdout();
-    const std::string large(5000, 'x');
-    for (int n = 0; n < 30; ++n) {
-        memFailAfter(n, false);
-        Quorel::LoggerShellCpp shell;
-        Quorel::StringStream stream;
-        stream << "text" << 5;
-        shell.error("a #::7 %S", stream);
-        logError(logger.get(), "a #::7 %S", large, large);
-        memFailAfter(-1, false);
-    }
-    outputFlush();
-    EXPECT_LT(large.size() * 20, testing::internal::GetCapturedStdout().size());
 }
 
 }  // namespace

@@ -137,6 +137,7 @@ TEST_F(PlainCastTest, ReadsItsOptionsInOrder) {
         {"--HELP", 3, "CONFIGURATION ERROR"},
         {"--parse --script t.qcs", 0, ""},
         {"--parse --script bad.qcs", 3, "CONFIGURATION ERROR"},
+        {"--script bad.qcs", 3, "PlainCast::configure: "},
         {"--startfunc other --script t.qcs", 0, "other\n"},
         {"--startfunc other --usage --script t.qcs", 0, "usage\n"},
         {"--startfunc nowhere --script t.qcs", 0, "The function \"nowhere\" was not found"},

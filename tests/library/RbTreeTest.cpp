@@ -126,34 +126,6 @@ TEST(RbTree, ACursorFollowsItsElementAndLosesNoNeighbour) {
     }
 }
 
-TEST(RbTree, ACursorWithoutItsElementSurvivesWhateverFollows) {
-    std::mt19937 random(3);
-    for (int round = 0; round < 3000; ++round) {
-        const Owned<RbTree> tree = treeOf(10);
-        const bool forward = random() % 2 == 0;
-        const int on = static_cast<int>(random() % 10);
-        RbTreeIterator* it = iteratorOn(tree.get(), on, forward);
-        std::set<int> left{0, 1, 2, 3, 4, 5, 6, 7, 8, 9};
-        for (int erased = 0; erased < 6; ++erased) {
-            const auto gone = std::next(left.begin(), static_cast<long>(random() % left.size()));
-            eraseKey(tree.get(), *gone);
-            left.erase(gone);
-        }
-        const bool alive = left.count(on) != 0;
-        int previous = rbTreeIterIsValid(it) ? of(rbTreeIterValue(it)) : on;
-        if (alive) {
-            EXPECT_EQ(on, of(rbTreeIterValue(it)));
-        }
-        for (const int value : rest(it)) {
-            EXPECT_TRUE(forward ? value > previous : value < previous);
-            EXPECT_EQ(1u, left.count(value));
-            previous = value;
-        }
-        EXPECT_TRUE(left.upper_bound(previous) == left.end() || !forward);
-        EXPECT_TRUE(left.lower_bound(previous) == left.begin() || forward);
-    }
-}
-
 TEST(RbTree, CursorsOutliveTheirEraseAClearAndTheTree) {
     Owned<RbTree> tree = treeOf(7);
     RbTreeIterator* cleared = rbTreeIterFirst(tree.get());

@@ -8,7 +8,6 @@
 #include <tuple>
 #include <vector>
 
-#include "containers/Memory.h"
 #include "platform/files.h"
 #include "platform/machine.h"
 #include "platform/registry.h"
@@ -170,18 +169,6 @@ TEST_F(RegistryTest, WritersAndReadersDoNotDisturbEachOther) {
     for (std::thread& writer : writers) writer.join();
     std::string found;
     EXPECT_EQ(RegResult::Done, get(kKey, "0-0", &found));
-}
-
-TEST_F(RegistryTest, MemoryThatRunsOutIsReported) {
-    Owned<String> key(text(kKey));
-    Owned<String> name(text("v"));
-    Owned<String> value(text(std::string(1000, 'x')));
-    ASSERT_EQ(RegResult::Done, regSetString(kOsCurrentUser, key.get(), name.get(), value.get()));
-    Owned<String> out(stringNewEmpty());
-    memFailAfter(0, true);
-    RegResult result = regGetString(kOsCurrentUser, key.get(), name.get(), out.get());
-    memFailAfter(-1, false);
-    EXPECT_EQ(RegResult::NoMemory, result);
 }
 
 }  // namespace

@@ -8,9 +8,7 @@
 
 #include "ScriptEngine3Defs/ScriptBlock.h"
 #include "ScriptEngine3Defs/ScriptContainers.h"
-#include "containers/Memory.h"
 #include "containers/PathTree.h"
-#include "containers/Pool.h"
 
 namespace {
 
@@ -182,17 +180,6 @@ TEST(ScriptObject, AHolderTakesTheValueOfWhatItHolds) {
         }
 }
 
-TEST(ScriptObject, AnAssignmentToItselfChangesNothing) {
-    Object values[] = {number(5), text("t"), list(number(1)), pointerTo(nullptr)};
-    for (const Object& value : values) {
-        const std::string before = textOf(value.get());
-        Object pointer = pointerTo(value.get());
-        EXPECT_EQ(value->type != kTypePointer,
-                  scriptObjectAssign(nullptr, value.get(), pointer.get()));
-        EXPECT_EQ(before, textOf(value.get()));
-    }
-}
-
 // What cannot be copied leaves a container without its payload: every
 // operation has to live with that.
 TEST(ScriptObject, AContainerWithoutPayloadStaysUsable) {
@@ -297,28 +284,4 @@ TEST(ScriptObject, RetypingGivesTheDefaultOfTheNewType) {
                 EXPECT_EQ(kTypeUndef, value->type);
             }
         }
-}
-
-TEST(ScriptObject, AnyRequestForMemoryMayFail) {
-    // Chunks of few records, so that objects ask for memory too.
-    poolDestroy(&scriptObjectPool);
-    poolInit(&scriptObjectPool, kPoolChunk / 4);
-    for (const ScriptType type : kHolders)
-        for (const bool allLater : {false, true})
-            for (long long at = 0; at < 60; ++at) {
-                Object source = holding(type, list(text("a text with memory of its own"), list()));
-                Object targets[] = {number(1), text("t"), holding(type, text("old")), undef(),
-                                    list(list(number(2)))};
-                memFailAfter(at, allLater);
-                const Object copy(scriptObjectClone(source.get()));
-                Owned<String> shown(scriptObjectGetString(nullptr, source.get()));
-                for (const Object& target : targets)
-                    scriptObjectAssign(nullptr, target.get(), source.get());
-                scriptObjectCompare(nullptr, source.get(), targets[1].get());
-                scriptObjectRetype(source.get(), kTypeMap);
-                memFailAfter(-1, false);
-                for (const Object& target : targets) textOf(target.get());
-                textOf(copy.get());
-            }
-    scriptObjectPoolRelease();
 }
