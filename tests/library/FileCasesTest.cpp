@@ -9,7 +9,7 @@ namespace {
 using FileCases = ScriptCases;
 namespace fs = std::filesystem;
 
-constexpr char kVariables[] = "file f\nvar u\nlist l\nvector w\nmap m\nstring s\nnumber n\n";
+constexpr char kVariables[] = "file f\nparser a\nvar u\nlist l\nvector w\nmap m\nstring s\nnumber n\n";
 
 constexpr char kTable[] = R"(
 fileopen n "x" "read" -> Parameter 1 must be a "file"
@@ -37,7 +37,7 @@ filetolist "~/n/o" l; strtofile s "~/n/o"
   -> bfileOpen: Cannot open file "~/n/o" | @StrToFile: Failed to open file
 vectortofile l "~/x" -> Parameter 1 must be a "vector"
 listappend l "1" 2; listtofile l "~/x" -> @ListToFile: Failed to write to file
-mapset m 1 u; maptofile m "=" "~/x" -> @MapToFile: Failed to write to file
+mapset m 1 a; maptofile m "=" "~/x" -> @MapToFile: Failed to write to file
 linestofile "~/x" 1 l u -> @LinesToFile: Parameter 3 has no value
 )";
 
