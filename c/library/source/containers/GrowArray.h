@@ -23,6 +23,15 @@ class GrowArray {
         data_[size_++] = value;
         return true;
     }
+    // Appends `count` values. False, with nothing changed, when memory runs out.
+    bool append(const T* values, size_t count) {
+        size_t room = capacity_ == 0 ? 8 : capacity_;
+        while (room - size_ < count) room *= 2;
+        if (room > capacity_ && !grow(room)) return false;
+        memcpy(data_ + size_, values, count * sizeof(T));
+        size_ += count;
+        return true;
+    }
     // Takes the last value off; there must be one.
     T pop() { return data_[--size_]; }
     // Makes room for `count` values in all.

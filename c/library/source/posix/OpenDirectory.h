@@ -1,0 +1,6 @@
+#pragma once
+
+// What stands behind an open directory on this system.
+struct OsDirectory {
+    int handle;
+};
