@@ -3,11 +3,13 @@
 #include "ScriptEngine3/FlowCommands.h"
 #include "ScriptEngine3Functions/ConsoleCommands.h"
 #include "ScriptEngine3Functions/DeclareCommands.h"
+#include "ScriptEngine3Functions/DirectoryCommands.h"
 #include "ScriptEngine3Functions/FileCommands.h"
 #include "ScriptEngine3Functions/ListCommands.h"
 #include "ScriptEngine3Functions/LogCommands.h"
 #include "ScriptEngine3Functions/MapCommands.h"
 #include "ScriptEngine3Functions/MissingCommands.h"
+#include "ScriptEngine3Functions/PathCommands.h"
 #include "ScriptEngine3Functions/SetCommands.h"
 #include "ScriptEngine3Functions/StringCommands.h"
 #include "ScriptEngine3Functions/TimeCommands.h"
@@ -18,12 +20,13 @@
 
 std::span<const CommandFamily> commandFamilies() {
     static const CommandFamily families[] = {
-        {directiveCommands()}, {declareCommands()},   {vectorCommands()}, {listCommands()},
-        {setCommands()},       {mapCommands()},       {treeCommands()},   {fileObjectCommands()},
-        {parserCommands()},    {recordCommands()},    {configCommands()}, {stringCommands()},
-        {valueCommands()},     {flowCommands()},      {lockCommands()},   {consoleCommands()},
-        {wholeFileCommands()}, {directoryCommands()}, {timeCommands()},   {processCommands()},
-        {registryCommands()},  {systemCommands()},    {logCommands()},    {networkCommands()},
+        {directiveCommands()}, {declareCommands()},   {vectorCommands()},   {listCommands()},
+        {setCommands()},       {mapCommands()},       {treeCommands()},     {fileObjectCommands()},
+        {parserCommands()},    {recordCommands()},    {configCommands()},   {stringCommands()},
+        {valueCommands()},     {flowCommands()},      {lockCommands()},     {consoleCommands()},
+        {wholeFileCommands()}, {directoryCommands()}, {bundleCommands()},   {pathCommands()},
+        {timeCommands()},      {processCommands()},   {registryCommands()}, {systemCommands()},
+        {logCommands()},       {networkCommands()},
     };
     return families;
 }

@@ -61,31 +61,11 @@ constexpr CommandRow kLockCommands[] = {
     {"removelock", missing<"removelock">, 1, 1, nullptr},
 };
 
-constexpr CommandRow kDirectoryCommands[] = {
-    {"cd", missing<"cd">, 1, 1, nullptr},
-    {"getcd", missing<"getcd">, 1, 1, "1"},
-    {"getfiles", missing<"getfiles">, 3, 3, "3"},
-    {"getsubdirs", missing<"getsubdirs">, 3, 3, "3"},
-    {"copy", missing<"copy">, 2, 2, nullptr, kInBlock, false, kSigned},
-    {"move", missing<"move">, 2, 2, nullptr, kInBlock, false, kSigned},
-    {"delete", missing<"delete">, 1, 1, nullptr, kInBlock, false, kSigned},
-    {"makedir", missing<"makedir">, 1, 1, nullptr, kInBlock, false, kSigned},
-    {"copydir", missing<"copydir">, 2, 2, nullptr, kInBlock, false, kSigned},
-    {"movedir", missing<"movedir">, 2, 2, nullptr, kInBlock, false, kSigned},
-    {"deldir", missing<"deldir">, 1, 1, nullptr, kInBlock, false, kSigned},
-    {"exists", missing<"exists">, 1, 1, nullptr},
-    {"isdiff", missing<"isdiff">, 2, 2, nullptr},
+constexpr CommandRow kBundleCommands[] = {
     {"bundle", missing<"bundle">, 2, 4, nullptr, kInBlock, false, kSigned},
     {"explode", missing<"explode">, 2, 3, nullptr, kInBlock, false, kSigned},
     {"attachbundle", missing<"attachbundle">, 2, 2, nullptr, kInBlock, false, kSigned},
     {"zip", missing<"zip">, 2, 3, nullptr, kInBlock, false, kSigned},
-    {"chmod", missing<"chmod">, 2, 2, nullptr, kInBlock, false, kSigned},
-    {"exemod", missing<"exemod">, 1, 1, nullptr, kInBlock, false, kSigned},
-    {"tempfile", missing<"tempfile">, 3, 3, "3"},
-    {"getdirname", missing<"getdirname">, 2, 2, "2"},
-    {"getbasename", missing<"getbasename">, 2, 12, "2"},
-    {"getsuffix", missing<"getsuffix">, 2, 2, "2"},
-    {"findpath", missing<"findpath">, 2, 2, "2"},
 };
 
 constexpr CommandRow kProcessCommands[] = {
@@ -164,8 +144,8 @@ std::span<const CommandRow> configCommands() {
 std::span<const CommandRow> lockCommands() {
     return kLockCommands;
 }
-std::span<const CommandRow> directoryCommands() {
-    return kDirectoryCommands;
+std::span<const CommandRow> bundleCommands() {
+    return kBundleCommands;
 }
 std::span<const CommandRow> processCommands() {
     return kProcessCommands;

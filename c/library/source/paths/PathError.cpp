@@ -39,3 +39,9 @@ bool pathFailSystem(int systemError) {
     lastError = {kPathSystem, systemError};
     return false;
 }
+
+PathErrorKeeper::PathErrorKeeper() : code_(lastError.code), systemError_(lastError.systemError) {}
+
+PathErrorKeeper::~PathErrorKeeper() {
+    lastError = {code_, systemError_};
+}

@@ -34,3 +34,16 @@ void pathClearError();
 // Record a failure and give false, for the functions of the path modules.
 bool pathFail(PathErrorCode code);
 bool pathFailSystem(int systemError);
+
+// Puts back, at its end, the record of this thread as it was at its start.
+class PathErrorKeeper {
+  public:
+    PathErrorKeeper();
+    PathErrorKeeper(const PathErrorKeeper&) = delete;
+    PathErrorKeeper& operator=(const PathErrorKeeper&) = delete;
+    ~PathErrorKeeper();
+
+  private:
+    uint32_t code_;
+    int systemError_;
+};

@@ -20,10 +20,14 @@ enum class OsEntryKind : uint8_t { File, Directory, Link, Other };
 // or refused. The caller closes what was opened.
 int osDirectoryOpen(std::string_view path, bool followLink, OsDirectory** directory);
 
+// Opens what the path leads to, through links, without the right to read it: to
+// reach its entries.
+int osDirectoryReach(std::string_view path, OsDirectory** directory);
+
 // Opens a directory by its entry; a link is refused.
 int osDirectoryOpenEntry(OsDirectory* parent, const char* name, OsDirectory** directory);
 
-// Opens the directory that holds this one; a root holds itself.
+// Opens, to reach its entries, the directory that holds this one; a root holds itself.
 int osDirectoryOpenParent(OsDirectory* directory, OsDirectory** parent);
 
 // Closes, and clears the pointer. Null-safe.

@@ -49,8 +49,8 @@ OsEntryKind kindOf(int directory, const dirent64* entry) {
     }
 }
 
-int openAt(int parent, const char* name, int more, OsDirectory** directory) {
-    int handle = openat(parent, name, O_RDONLY | O_DIRECTORY | O_CLOEXEC | more);
+int openAt(int parent, const char* name, int how, OsDirectory** directory) {
+    int handle = openat(parent, name, O_DIRECTORY | O_CLOEXEC | how);
     if (handle < 0) return errno;
     auto* opened = new (std::nothrow) OsDirectory{handle};
     if (opened == nullptr) {
@@ -68,15 +68,20 @@ bool isDots(const char* name) {
 }  // namespace
 
 int osDirectoryOpen(std::string_view path, bool followLink, OsDirectory** directory) {
-    return openAt(AT_FDCWD, SystemPath(path).c_str(), followLink ? 0 : O_NOFOLLOW, directory);
+    int how = followLink ? O_RDONLY : O_RDONLY | O_NOFOLLOW;
+    return openAt(AT_FDCWD, SystemPath(path).c_str(), how, directory);
+}
+
+int osDirectoryReach(std::string_view path, OsDirectory** directory) {
+    return openAt(AT_FDCWD, SystemPath(path).c_str(), O_PATH, directory);
 }
 
 int osDirectoryOpenEntry(OsDirectory* parent, const char* name, OsDirectory** directory) {
-    return openAt(parent->handle, name, O_NOFOLLOW, directory);
+    return openAt(parent->handle, name, O_RDONLY | O_NOFOLLOW, directory);
 }
 
 int osDirectoryOpenParent(OsDirectory* directory, OsDirectory** parent) {
-    return openAt(directory->handle, "..", 0, parent);
+    return openAt(directory->handle, "..", O_PATH, parent);
 }
 
 void osDirectoryClose(OsDirectory** directory) {

@@ -64,6 +64,10 @@ int osDirectoryOpen(std::string_view path, bool followLink, OsDirectory** direct
     return error != 0 ? error : makeRecord(full, directory);
 }
 
+int osDirectoryReach(std::string_view path, OsDirectory** directory) {
+    return osDirectoryOpen(path, true, directory);
+}
+
 int osDirectoryOpenEntry(OsDirectory* parent, const char* name, OsDirectory** directory) {
     return osDirectoryOpen(parent->entry(name), false, directory);
 }

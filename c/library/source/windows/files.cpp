@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "windows/AnsiPath.h"
+#include "windows/FileFlags.h"
 
 namespace {
 
@@ -29,18 +30,6 @@ constexpr int kOpenFlags[] = {
 
 constexpr size_t kShellPathSize = 261;
 constexpr size_t kLargestBlock = 0x40000000;
-
-struct FlagPair {
-    DWORD attribute;
-    uint32_t flag;
-};
-constexpr FlagPair kFlagPairs[] = {
-    {FILE_ATTRIBUTE_ARCHIVE, kOsFileArchive},     {FILE_ATTRIBUTE_COMPRESSED, kOsFileCompressed},
-    {FILE_ATTRIBUTE_DIRECTORY, kOsFileDirectory}, {FILE_ATTRIBUTE_ENCRYPTED, kOsFileEncrypted},
-    {FILE_ATTRIBUTE_HIDDEN, kOsFileHidden},       {FILE_ATTRIBUTE_OFFLINE, kOsFileOffline},
-    {FILE_ATTRIBUTE_READONLY, kOsFileReadOnly},   {FILE_ATTRIBUTE_SYSTEM, kOsFileSystem},
-    {FILE_ATTRIBUTE_TEMPORARY, kOsFileTemporary},
-};
 
 // The system's number behind a failure of the C library's calls.
 int lastFileError() {
@@ -137,9 +126,7 @@ int osFileInfo(std::string_view path, OsFileInfo* info) {
     if (error != 0) return error;
     *info = OsFileInfo();
     info->size = (static_cast<uint64_t>(found.nFileSizeHigh) << 32) | found.nFileSizeLow;
-    for (const FlagPair& pair : kFlagPairs) {
-        if ((found.dwFileAttributes & pair.attribute) != 0) info->flags |= pair.flag;
-    }
+    info->flags = fileFlagsOf(found.dwFileAttributes);
     info->created = millisecondsSince1900(found.ftCreationTime);
     info->accessed = millisecondsSince1900(found.ftLastAccessTime);
     info->modified = millisecondsSince1900(found.ftLastWriteTime);
