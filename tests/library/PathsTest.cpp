@@ -226,6 +226,7 @@ TEST_F(PathFiles, CanonicalPathsTakeTheSpellingOfTheDisk) {
     EXPECT_EQ("..\\PathsTestFiles\\Sub.dir\\",
               changed(pathCanonical, "..\\PathsTestFiles\\Sub.dir\\"));
     EXPECT_EQ("Sub.dir\\no such\\x.y", changed(pathCanonical, "Sub.dir/no such/x.y"));
+    EXPECT_EQ(kPathNoShellLibrary, pathLastErrorCode());
     EXPECT_EQ("\\no such\\x", changed(pathCanonical, "/no such/x"));
     std::string deep;
     for (int i = 0; i < 50000; ++i) deep += "x\\";

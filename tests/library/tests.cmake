@@ -14,7 +14,17 @@ plaincast_test(ListTest containers)
 plaincast_test(LockTest containers)
 plaincast_test(LogMessagesTest logmessages)
 plaincast_test(LoggerTest logger)
+plaincast_test(PathOperationsTest paths)
 plaincast_test(PathTreeTest pathtree)
+if(WIN32)
+    # Names, links and pipes that this system does not have.
+    list(APPEND PLAINCAST_LISTED_TESTS PathTreesTest.cpp)
+else()
+    plaincast_test(PathTreesTest paths)
+    target_compile_definitions(PathTreesTest PRIVATE
+        PLAINCAST_PROGRAM="$<TARGET_FILE:quorel_plaincast>")
+    add_dependencies(PathTreesTest quorel_plaincast)
+endif()
 plaincast_test(PathsTest paths)
 plaincast_test(PatternMatchTest strings)
 plaincast_test(PlainCastTest strings)
@@ -24,6 +34,7 @@ plaincast_test(RegistryTest registry)
 plaincast_test(ScriptBlockTest ScriptEngine3)
 plaincast_test(ScriptMessagesTest ScriptEngine3 logmessages)
 plaincast_test(ScriptObjectTest ScriptEngine3)
+plaincast_test(ShellObjectsTest paths)
 plaincast_test(StringFormatTest strings)
 plaincast_test(StringNumbersTest strings)
 plaincast_test(StringTest strings)
@@ -50,6 +61,14 @@ configure_file(${PROJECT_SOURCE_DIR}/programs/utilities/plaincast/logmsg.conf
 target_compile_definitions(PlainCastTest PRIVATE
     PLAINCAST_PROGRAM="$<TARGET_FILE:quorel_plaincast>")
 add_dependencies(PlainCastTest quorel_plaincast)
+# Only where it runs is the stand-in for the library of shell objects found.
+add_library(quorel_shellobj MODULE shellobj/quorel_shellobj.cpp)
+set(shellobj_folder ${CMAKE_CURRENT_BINARY_DIR}/shellobj)
+set_target_properties(quorel_shellobj PROPERTIES PREFIX ""
+    LIBRARY_OUTPUT_DIRECTORY ${shellobj_folder})
+add_dependencies(ShellObjectsTest quorel_shellobj)
+set_tests_properties(ShellObjectsTest PROPERTIES WORKING_DIRECTORY ${shellobj_folder}
+    ENVIRONMENT LD_LIBRARY_PATH=${shellobj_folder})
 # Under Windows the registry is one for all tests: those that write settings or need
 # them absent run one after the other.
 set_tests_properties(BuiltInVariablesTest CommandCasesTest LanguageCasesTest LogMessagesTest

@@ -4,6 +4,7 @@
 
 #include "paths/PathError.h"
 #include "paths/Paths.h"
+#include "paths/ShellObjects.h"
 #include "platform/files.h"
 #include "platform/machine.h"
 #include "strings/StringCompare.h"
@@ -96,14 +97,16 @@ class TrueCaseWalk {
             replaceEnd(component, name);
             return true;
         }
-        std::string soFar(stringView(result_.get()));
-        bool missing = false;
-        if (osShellPath(&soFar, &missing)) {
-            done_ = stringSetView(result_.get(), soFar);
-            return true;
+        switch (pathAskShell(result_.get())) {
+            case ShellAnswer::Rewritten:
+                return true;
+            case ShellAnswer::NoLibrary:
+                return pathFail(kPathNoShellLibrary);
+            case ShellAnswer::NoMemory:
+                return done_ = false;
+            default:
+                return false;
         }
-        if (missing) pathFail(kPathNoShellLibrary);
-        return false;
     }
 
     void replaceEnd(std::string_view component, std::string_view name) {

@@ -78,13 +78,8 @@ int osFileInfo(std::string_view path, OsFileInfo* info);
 int osFullPath(std::string_view path, std::string* full);
 
 // The name of the last component of an existing `path` in the spelling of the
-// disk. Where file names differ by case there is but one spelling: the component
-// itself is given, with no look at the disk.
+// disk; where file names differ by case that is the component itself.
 int osTrueName(std::string_view path, std::string* name);
-
-// Asks the optional library for shell objects to rewrite `path`. `missing` tells,
-// also on failure, that there is no such library. False leaves `path` alone.
-bool osShellPath(std::string* path, bool* missing);
 
 // Whether the drive of a path such as "c:" exists; false where there are no drives.
 bool osDriveExists(std::string_view path);

@@ -126,13 +126,10 @@ int osFullPath(std::string_view path, std::string* full) {
 }
 
 int osTrueName(std::string_view path, std::string* name) {
+    struct stat status;
+    if (lstat(SystemPath(path).c_str(), &status) != 0) return errno;
     *name = path.substr(path.find_last_of("/\\") + 1);
     return 0;
-}
-
-bool osShellPath(std::string*, bool* missing) {
-    *missing = true;
-    return false;
 }
 
 bool osDriveExists(std::string_view) {

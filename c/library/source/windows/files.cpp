@@ -28,7 +28,6 @@ constexpr int kOpenFlags[] = {
     _O_RDWR | _O_CREAT | _O_APPEND,
 };
 
-constexpr size_t kShellPathSize = 261;
 constexpr size_t kLargestBlock = 0x40000000;
 
 // The system's number behind a failure of the C library's calls.
@@ -147,26 +146,6 @@ int osTrueName(std::string_view path, std::string* name) {
     int error = findFirst(path, &found);
     if (error == 0) *name = found.cFileName;
     return error;
-}
-
-bool osShellPath(std::string* path, bool* missing) {
-    using GetPath = BOOL(WINAPI*)(char*);
-    *missing = true;
-    HMODULE library = LoadLibraryA("quorel_shellobj.dll");
-    if (library == nullptr) return false;
-    bool rewritten = false;
-    FARPROC found = GetProcAddress(library, "shellObjGetPath");
-    if (found != nullptr) {
-        *missing = false;
-        std::vector<char> buffer(std::max(path->size() + 1, kShellPathSize), '\0');
-        path->copy(buffer.data(), path->size());
-        GetPath getPath = reinterpret_cast<GetPath>(reinterpret_cast<void*>(found));
-        rewritten = getPath(buffer.data()) != FALSE;
-        buffer.back() = '\0';
-        if (rewritten) *path = buffer.data();
-    }
-    FreeLibrary(library);
-    return rewritten;
 }
 
 bool osDriveExists(std::string_view path) {
