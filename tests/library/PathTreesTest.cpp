@@ -41,8 +41,9 @@ class PathTrees : public PathFolder {
 
 TEST_F(PathTrees, NoNameLeadsOutOfATree) {
     const std::string longest(255, 'n');
-    const std::string names[] = {"..\\victim\\x", "..\\..\\victim\\x", "\\", "%fonts%", "\xff\xfe\x80",
-                                 "a\nb", " ", longest};
+    const std::string names[] = {
+        "..\\victim\\x", "..\\..\\victim\\x", "\\", "%fonts%", "\xff\xfe\x80", "a\nb", " ",
+        longest};
     for (const std::string& name : names) {
         write("tree/" + name, "bait");
         write("tree/below/" + name, "bait");
@@ -153,6 +154,11 @@ TEST_F(PathTrees, ModesAreWriteBits) {
     EXPECT_EQ("444", permissions("f"));
     EXPECT_EQ(0u, code(pathSetMode, "f", 0777u));
     EXPECT_EQ("644", permissions("f"));
+    chmod("tree/below", 0555);
+    EXPECT_EQ(0555u, pathMode(text("tree/below/").get()));
+    EXPECT_EQ(kPathSystem, code(pathRemoveDirectory, "tree", true, false));
+    EXPECT_EQ(0u, code(pathSetMode, "tree/below", 0777u));
+    EXPECT_EQ(0u, code(pathRemoveDirectory, "tree", true, false));
 }
 
 TEST_F(PathTrees, WithoutRoomNothingIsLost) {
