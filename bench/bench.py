@@ -16,6 +16,8 @@ import subprocess
 import sys
 import time
 
+import directories
+
 HERE = pathlib.Path(__file__).resolve().parent
 WORK = HERE.parent / "build" / "bench"
 WORKLOADS = ("empty", "loop", "calls", "string", "expression", "split", "replace", "vector", "map",
@@ -219,6 +221,15 @@ def parse_runs(program):
     return runs
 
 
+def print_directories(languages, source, rounds):
+    least = directories.times(languages, source, measure, WORK / "directories", rounds)
+    print()
+    row("seconds", ["plaincast", "system", "/system"])
+    for workload, found in least.items():
+        ours, theirs = found["plaincast"], found["bash"]
+        row(workload, [f"{ours:.4f}", f"{theirs:.4f}", f"{ours / theirs:.2f}"])
+
+
 def main():
     parser = argparse.ArgumentParser(description="Times the workloads against other languages.")
     parser.add_argument("--program", required=True)
@@ -258,6 +269,8 @@ def main():
         print_times("parse", times, languages)
     print("/fastest: against the fastest of tcl, perl and python")
     print("answers, the same from all:", ", ".join(answers))
+    if any(wanted(name) for name in directories.WORKLOADS):
+        print_directories(languages, source, arguments.rounds)
     if wanted("memory"):
         print()
         row("resident KiB", languages)

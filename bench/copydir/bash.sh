@@ -1,0 +1,1 @@
+cp -r small copy && echo copied
