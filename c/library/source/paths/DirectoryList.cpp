@@ -41,6 +41,7 @@ namespace {
 struct MatchingEntries {
     const String* pattern;  // null for every name
     DirectoryList* list;
+    LocalString name = {};  // of the entry, for the matcher
     bool failed = false;
 };
 
@@ -50,9 +51,11 @@ bool takeMatching(void* context, std::string_view name, OsEntryKind kind) {
         wanted->list->countUnnamed();
         return true;
     }
-    // A view: the matcher only reads.
-    const String text{const_cast<char*>(name.data()), static_cast<uint32_t>(name.size()), 0};
-    if (wanted->pattern != nullptr && !stringMatch(&text, wanted->pattern)) return true;
+    if (wanted->pattern != nullptr) {
+        wanted->failed = !stringSetView(&wanted->name, name);
+        if (wanted->failed) return false;
+        if (!stringMatch(&wanted->name, wanted->pattern)) return true;
+    }
     wanted->failed = !wanted->list->add(name, kind);
     return !wanted->failed;
 }

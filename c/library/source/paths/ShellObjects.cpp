@@ -31,8 +31,8 @@ ShellAnswer pathAskShell(String* path) {
     const uint32_t size = std::max(path->length + 1, uint32_t{kOsShellPathSize});
     Owned<String> buffer(stringNew(size));
     if (!buffer) return ShellAnswer::NoMemory;
-    char* text = buffer->data;
-    std::fill_n(std::copy_n(path->data, path->length, text), size - path->length, '\0');
+    char* text = stringBytes(buffer.get());
+    std::fill_n(std::copy_n(stringBytes(path), path->length, text), size - path->length, '\0');
     if (!library.rewrite(text)) return ShellAnswer::Unknown;
     text[size - 1] = '\0';
     return stringSetView(path, text) ? ShellAnswer::Rewritten : ShellAnswer::NoMemory;
