@@ -39,27 +39,21 @@ TEST_F(PathOperations, WhatTheyDoAndWhatTheyRefuse) {
         const char* found;   // ... stands this
         const char* left;    // and this at the source
     } cases[] = {
-        {pathCopy, "a", "new", false, 0, "new", "one", "one"},
         {pathCopy, "a", "b", true, 0, "b", "one", "one"},
-        {pathCopy, "b", "a", true, 0, "a", "of b", "of b"},
         {pathCopy, "a", "b", false, kPathSystem, "b", "of b", "one"},
         {pathCopy, "empty", "b", true, 0, "b", "", ""},
         {pathCopy, "a", "./a", true, kPathTargetExists, "a", "one", "one"},
         {pathCopy, "a", "full", true, kPathSystem, "full/f", "old", "one"},
-        {pathCopy, "a", "no/where", true, kPathSystem, "no", "-", "one"},
         {pathCopy, "tree", "new", true, kPathSystem, "new", "-", "/"},
         {pathCopy, "missing", "b", true, kPathSystem, "b", "of b", "-"},
         {pathCopy, "", "b", true, kPathEmpty, "b", "of b", "-"},
-        {pathMove, "a", "new", false, 0, "new", "one", "-"},
         {pathMove, "a", "b", true, 0, "b", "one", "-"},
         {pathMove, "a", "b", false, kPathSystem, "b", "of b", "one"},
         {pathMove, "a", "full", true, kPathIsDirectory, "full/f", "old", "one"},
         {pathMove, "missing", "b", true, kPathSystem, "b", "of b", "-"},
         {pathMove, "a", "tree/../a", true, kPathTargetExists, "a", "one", "one"},
-        {pathMove, "tree", "new", false, 0, "new/sub/s", "sub leaf", "-"},
         {pathMove, "tree", "b", true, 0, "b/t", "leaf", "-"},
         {pathMove, "tree", "tree/sub/x", true, kPathTargetExists, "tree/t", "leaf", "/"},
-        {pathMove, "a", "", true, kPathEmpty, "a", "one", "one"},
         {pathMoveDirectory, "tree/", "new/", true, 0, "new/t", "leaf", "-"},
         {pathMoveDirectory, "tree", "full\\", true, kPathIsDirectory, "full/f", "old", "/"},
         {pathMoveDirectory, "", "x", true, kPathEmpty, "x", "-", "-"},
@@ -68,14 +62,11 @@ TEST_F(PathOperations, WhatTheyDoAndWhatTheyRefuse) {
         {pathCopyDirectory, "tree", "full", true, 0, "full/f", "-", "/"},
         {pathCopyDirectory, "tree", "full", false, kPathTargetExists, "full/f", "old", "/"},
         {pathCopyDirectory, "tree", "a", true, kPathNotDirectory, "a", "one", "/"},
-        {pathCopyDirectory, "tree", "no/where", true, kPathSystem, "no", "-", "/"},
         {pathCopyDirectory, "missing", "full", true, kPathNotFound, "full/f", "old", "-"},
         {pathCopyDirectory, "a", "full", true, kPathSystem, "full/f", "old", "one"},
-        {pathCopyDirectory, "tree", "tree/.", true, kPathTargetExists, "tree/t", "leaf", "/"},
         {pathCopyDirectory, "tree", "tree/sub/x", true, kPathTargetExists, "tree/t", "leaf", "/"},
         {pathCopyDirectory, "./", "full", true, kPathTargetExists, "full/f", "old", "/"},
         {pathCopyDirectory, "tree/sub", "tree", true, kPathTargetExists, "tree/t", "leaf", "/"},
-        {pathCopyDirectory, "tree", "", true, kPathEmpty, "tree/t", "leaf", "/"},
     };
     for (const auto& row : cases) {
         fill();
