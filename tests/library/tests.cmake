@@ -3,6 +3,12 @@ plaincast_test(ArgumentsTest ScriptEngine3)
 plaincast_test(BasicFileTest files)
 plaincast_test(BasicStreamTest streams)
 plaincast_test(BuiltInVariablesTest ScriptEngine3)
+plaincast_test(BundleTest bundles)
+if(NOT WIN32)
+    # With gzip and Python as the other side.
+    add_test(NAME BundlePeersTest COMMAND python3 ${PROJECT_SOURCE_DIR}/tests/peers/bundles.py
+        $<TARGET_FILE:quorel_plaincast>)
+endif()
 plaincast_test(CalendarTest time)
 plaincast_test(CommandAliasTest ScriptEngine3)
 plaincast_test(CommandCasesTest ScriptEngine3 logmessages)

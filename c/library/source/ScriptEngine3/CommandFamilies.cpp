@@ -1,6 +1,7 @@
 #include "ScriptEngine3/CommandFamilies.h"
 
 #include "ScriptEngine3/FlowCommands.h"
+#include "ScriptEngine3Functions/BundleCommands.h"
 #include "ScriptEngine3Functions/ConsoleCommands.h"
 #include "ScriptEngine3Functions/DeclareCommands.h"
 #include "ScriptEngine3Functions/DirectoryCommands.h"

@@ -61,13 +61,6 @@ constexpr CommandRow kLockCommands[] = {
     {"removelock", missing<"removelock">, 1, 1, nullptr},
 };
 
-constexpr CommandRow kBundleCommands[] = {
-    {"bundle", missing<"bundle">, 2, 4, nullptr, kInBlock, false, kSigned},
-    {"explode", missing<"explode">, 2, 3, nullptr, kInBlock, false, kSigned},
-    {"attachbundle", missing<"attachbundle">, 2, 2, nullptr, kInBlock, false, kSigned},
-    {"zip", missing<"zip">, 2, 3, nullptr, kInBlock, false, kSigned},
-};
-
 constexpr CommandRow kProcessCommands[] = {
     {"exec", missing<"exec">, 5, 6, "4,5", kInBlock, false, kSigned},
     {"pipeexec", missing<"pipeexec">, 7, 7, "4-7", kInBlock, false, kSigned},
@@ -143,9 +136,6 @@ std::span<const CommandRow> configCommands() {
 }
 std::span<const CommandRow> lockCommands() {
     return kLockCommands;
-}
-std::span<const CommandRow> bundleCommands() {
-    return kBundleCommands;
 }
 std::span<const CommandRow> processCommands() {
     return kProcessCommands;

@@ -14,7 +14,6 @@ std::span<const CommandRow> parserCommands();
 std::span<const CommandRow> recordCommands();
 std::span<const CommandRow> configCommands();
 std::span<const CommandRow> lockCommands();
-std::span<const CommandRow> bundleCommands();
 std::span<const CommandRow> processCommands();
 std::span<const CommandRow> registryCommands();
 std::span<const CommandRow> systemCommands();
