@@ -16,6 +16,7 @@ import subprocess
 import sys
 import time
 
+import bundles
 import directories
 
 HERE = pathlib.Path(__file__).resolve().parent
@@ -235,6 +236,7 @@ def main():
     parser.add_argument("--program", required=True)
     parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("names", nargs="*", help="workloads, parse or memory; all without a name")
+    parser.add_argument("--megabytes", type=int, default=300, help="of files for bundles")
     arguments = parser.parse_args()
     arguments.program = os.path.abspath(arguments.program)
     languages = commands(arguments.program)
@@ -271,6 +273,8 @@ def main():
     print("answers, the same from all:", ", ".join(answers))
     if any(wanted(name) for name in directories.WORKLOADS):
         print_directories(languages, source, arguments.rounds)
+    bundles.run(os.path.abspath(arguments.program), WORK, wanted, min(arguments.rounds, 2),
+                arguments.megabytes)
     if wanted("memory"):
         print()
         row("resident KiB", languages)

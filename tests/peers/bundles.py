@@ -10,6 +10,7 @@ import sys
 import tempfile
 
 PROGRAM = os.path.abspath(sys.argv[1])
+BACKUP = pathlib.Path(__file__).resolve().parents[2] / "examples" / "backup.qcs"
 
 
 def run(*statements, size=resource.RLIM_INFINITY):
@@ -53,6 +54,12 @@ def main():
     assert {file.name: file.read_bytes() for file in pathlib.Path("out").iterdir()} == files
     subprocess.run(["gzip", "-d", "v.gz"], check=True)
     assert pathlib.Path("v").read_bytes() == pathlib.Path("w").read_bytes()
+
+    for day in ("01", "02", "03"):
+        subprocess.run([PROGRAM, "--script", BACKUP, "--var", "source=" + os.path.abspath("out"),
+                        "--var", "target=" + os.path.abspath("kept"), "--var", "keep=2",
+                        "--var", "day=2026-11-" + day], check=True, stdout=subprocess.DEVNULL)
+    assert sorted(os.listdir("kept")) == ["out-2026-11-02.gz", "out-2026-11-03.gz"]
 
     # Full disks, at the close of what is small and in the midst of what is not.
     assert run('zip "v" "zip" "n"', 'bundle "n" "w" true', size=9) == "--"
