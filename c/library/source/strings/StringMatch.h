@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "strings/String.h"
 
@@ -22,3 +23,13 @@ bool stringMatchAt(const String* text, uint32_t pos, const String* pattern);
 bool stringMatchTextAt(const String* text, uint32_t pos, const char* pattern);
 bool stringMatchNoCaseAt(const String* text, uint32_t pos, const String* pattern);
 bool stringMatchNoCaseTextAt(const String* text, uint32_t pos, const char* pattern);
+
+// A pattern made ready once for many texts, with the results of `stringMatch`.
+struct StringPattern {
+    LocalString normal;  // without wildcards that have no effect
+    uint8_t shape;
+    bool takesEmpty;  // whether it matches the empty text
+};
+// False when memory runs out; then the pattern must not be used.
+bool stringPatternPrepare(StringPattern* pattern, std::string_view text);
+bool stringPatternMatches(const StringPattern* pattern, std::string_view text);
