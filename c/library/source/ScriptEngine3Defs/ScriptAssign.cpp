@@ -1,12 +1,12 @@
 #include "ScriptEngine3Defs/ScriptContainers.h"
 #include "ScriptEngine3Defs/ScriptEngineRecord.h"
+#include "text/TextParser.h"
 
 namespace {
 
 // Of these an assignment carries the type alone.
 bool carriesTypeOnly(ScriptType type) {
-    return type == kTypeUndef || type == kTypeExpr || type == kTypeFile || type == kTypeParser ||
-           type == kTypeConfig;
+    return type == kTypeUndef || type == kTypeExpr || type == kTypeFile || type == kTypeConfig;
 }
 
 // To a pointer: writes through to what it refers to, or aims it when it was
@@ -22,6 +22,14 @@ bool assignToPointer(ScriptEngine* engine, ScriptObject* pointer, ScriptObject* 
     return true;
 }
 
+bool assignParser(ScriptObject* target, const ScriptObject* source) {
+    Owned<Parser> copy(parserClone(source->parser));
+    if (!copy) return false;
+    parserDestroy(&target->parser);
+    target->parser = copy.release();
+    return true;
+}
+
 // The value itself, into a target of the same type.
 bool copyValue(ScriptObject* target, const ScriptObject* source) {
     switch (source->type) {
@@ -32,6 +40,8 @@ bool copyValue(ScriptObject* target, const ScriptObject* source) {
             if (source->string.length != 0) return stringSet(&target->string, &source->string);
             stringClear(&target->string);
             return true;
+        case kTypeParser:
+            return assignParser(target, source);
         default:
             return carriesTypeOnly(source->type) || scriptContainerAssign(target, source);
     }

@@ -5,6 +5,7 @@
 #include "ScriptEngine3Defs/ScriptExpression.h"
 #include "containers/Pool.h"
 #include "files/BasicFile.h"
+#include "text/TextParser.h"
 
 // Ready before anything runs: the pool's first take asks for its first chunk.
 Pool scriptObjectPool = {nullptr, nullptr,    nullptr,   nullptr, sizeof(ScriptObject),
@@ -36,6 +37,9 @@ bool makePayload(ScriptObject* object, ScriptType type) {
             made = object->file != nullptr;
             break;
         case kTypeParser:
+            object->parser = parserCreate();
+            made = object->parser != nullptr;
+            break;
         case kTypeConfig:
             object->payload = nullptr;
             break;
@@ -57,6 +61,9 @@ void endPayload(ScriptObject* object) {
             break;
         case kTypeFile:
             bfileDestroy(&object->file);
+            break;
+        case kTypeParser:
+            parserDestroy(&object->parser);
             break;
         case kTypeList:
         case kTypeVector:
@@ -112,6 +119,9 @@ bool clonePayload(ScriptObject* copy, const ScriptObject* source) {
             if (copy->file == nullptr) return false;
             break;
         case kTypeParser:
+            copy->parser = parserClone(source->parser);
+            if (copy->parser == nullptr) return false;
+            break;
         case kTypeConfig:
             copy->payload = nullptr;
             break;

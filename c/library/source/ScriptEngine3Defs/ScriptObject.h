@@ -13,6 +13,7 @@ struct List;
 struct ListIterator;
 struct Map;
 struct MapIterator;
+struct Parser;
 struct PathTree;
 struct RbKeys;
 struct ScriptExpression;
@@ -91,6 +92,7 @@ struct ScriptObject {
         SetValue set;
         MapValue map;
         PathTree* tree;
+        Parser* parser;
         Waiting waiting;
         void* payload;  // slot 0 of the types that keep a record outside
     };

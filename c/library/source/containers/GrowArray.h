@@ -25,10 +25,11 @@ class GrowArray {
     }
     // Appends `count` values. False, with nothing changed, when memory runs out.
     bool append(const T* values, size_t count) {
+        if (count == 0) return true;
         size_t room = capacity_ == 0 ? 8 : capacity_;
         while (room - size_ < count) room *= 2;
         if (room > capacity_ && !grow(room)) return false;
-        memcpy(data_ + size_, values, count * sizeof(T));
+        std::memcpy(data_ + size_, values, count * sizeof(T));
         size_ += count;
         return true;
     }

@@ -153,9 +153,14 @@ bool matchNonEmpty(std::string_view text, std::string_view pattern, bool noCase)
     return matchNormal(lowered.view(), q.view());
 }
 
+// Asked of the pattern as it stands: `**` does not match the empty text.
+bool matchesEmpty(std::string_view pattern) {
+    return pattern.empty() || pattern == "*";
+}
+
 bool matchAt(const String* s, uint32_t pos, std::string_view pattern, bool noCase) {
     const std::string_view text = stringView(s);
-    if (text.empty()) return pattern.empty() || pattern == "*";
+    if (text.empty()) return matchesEmpty(pattern);
     return pos < text.size() && !pattern.empty() && matchNonEmpty(text, pattern, noCase);
 }
 
@@ -203,4 +208,19 @@ bool stringMatchNoCaseAt(const String* text, uint32_t pos, const String* pattern
 
 bool stringMatchNoCaseTextAt(const String* text, uint32_t pos, const char* pattern) {
     return matchText(text, pos, pattern, true);
+}
+
+bool stringPatternPrepare(StringPattern* pattern, std::string_view text) {
+    BytesCopy q(text);
+    if (pattern == nullptr || !q) return false;
+    q.normalisePattern();
+    pattern->takesEmpty = matchesEmpty(text);
+    return stringSetView(&pattern->normal, q.view());
+}
+
+bool stringPatternMatches(const StringPattern* pattern, std::string_view text) {
+    if (pattern == nullptr) return false;
+    if (text.empty()) return pattern->takesEmpty;
+    const std::string_view normal = stringView(&pattern->normal);
+    return !normal.empty() && hasPrefixOf(text, normal) && matchNormal(text, normal);
 }

@@ -31,9 +31,9 @@ struct SplitAlternative {
 };
 
 struct SplitRule {
-    SplitKind kind;
+    SplitKind kind = kSplitSize;
     std::string_view separator;
-    uint32_t size;
+    uint32_t size = 0;
     GrowArray<SplitAlternative> alternatives;  // never empty ones
     GrowArray<uint32_t> columns;               // sizes, or ends with the line's end as the last
 };
@@ -70,7 +70,7 @@ bool splitWalkNextColumn(SplitWalk* walk, std::string_view* piece);
 // What follows the pieces taken so far and the separator behind them.
 std::string_view splitWalkRest(const SplitWalk* walk);
 
-// How lines become blocks.
+// How lines become blocks. ORDER blocking-kinds
 enum BlockingKind : uint8_t {
     kBlockingMatching,      // all matching lines, one block
     kBlockingOthers,        // all others, one block
