@@ -10,6 +10,7 @@
 #include "ScriptEngine3Functions/LogCommands.h"
 #include "ScriptEngine3Functions/MapCommands.h"
 #include "ScriptEngine3Functions/MissingCommands.h"
+#include "ScriptEngine3Functions/ParserCommands.h"
 #include "ScriptEngine3Functions/PathCommands.h"
 #include "ScriptEngine3Functions/SetCommands.h"
 #include "ScriptEngine3Functions/StringCommands.h"

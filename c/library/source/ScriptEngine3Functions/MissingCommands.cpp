@@ -24,22 +24,8 @@ int missing(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
     return scriptEngineMissingCommand(engine, kName.text);
 }
 
-constexpr CommandRow kParserCommands[] = {
-    {"parserparse", missing<"parserparse">, 4, 4, "1,4"},
-    {"parsergetsize", missing<"parsergetsize">, 3, 3, "1,3"},
-    {"parserblocking", missing<"parserblocking">, 4, 4, "1,4"},
-    {"parservblocking", missing<"parservblocking">, 4, 4, "1,4"},
-    {"parsertrim", missing<"parsertrim">, 3, 4, "1"},
-    {"parserpad", missing<"parserpad">, 4, 4, "1"},
-    {"parserfilter", missing<"parserfilter">, 3, 3, "1"},
-    {"parseritemize", missing<"parseritemize">, 4, 4, "1,4"},
-    {"parserrecordize", missing<"parserrecordize">, 4, 4, "1,4"},
-    {"parsergetlines", missing<"parsergetlines">, 3, 3, "1,3"},
-    {"parsersort", missing<"parsersort">, 3, 3, "1"},
-    {"parserdiff", missing<"parserdiff">, 4, 4, "1,4"},
-};
-
 constexpr CommandRow kRecordCommands[] = {
+    {"parserdiff", missing<"parserdiff">, 4, 4, "1,4"},
     {"recdiff", missing<"recdiff">, 3, 3, "1,3"},
     {"reccut", missing<"reccut">, 3, 4, "1"},
     {"recsort", missing<"recsort">, 1, 1, "1"},
@@ -125,9 +111,6 @@ int scriptEngineMissingCommand(ScriptEngine* engine, const char* name) {
     return kError;
 }
 
-std::span<const CommandRow> parserCommands() {
-    return kParserCommands;
-}
 std::span<const CommandRow> recordCommands() {
     return kRecordCommands;
 }

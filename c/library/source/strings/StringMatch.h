@@ -27,7 +27,7 @@ bool stringMatchNoCaseTextAt(const String* text, uint32_t pos, const char* patte
 // A pattern made ready once for many texts, with the results of `stringMatch`.
 struct StringPattern {
     LocalString normal;  // without wildcards that have no effect
-    bool takesEmpty;  // whether it matches the empty text
+    bool takesEmpty;     // whether it matches the empty text
 };
 // False when memory runs out; then the pattern must not be used.
 bool stringPatternPrepare(StringPattern* pattern, std::string_view text);

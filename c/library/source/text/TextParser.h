@@ -64,7 +64,7 @@ ParserBlock* parserParse(Parser* parser, SplitRule* rule, std::string_view text)
 using ParserBlocks = GrowArray<ParserBlock*>;
 
 // Cuts a block into blocks of whole lines. On failure those made so far stay.
-bool parserBlocking(Parser* parser, const ParserBlock* source, const BlockingRule* rule,
+bool parserBlocking(Parser* parser, const ParserBlock* source, BlockingRule* rule,
                     ParserBlocks* made);
 
 // Cuts each line into columns and gives a block for each column. A line without

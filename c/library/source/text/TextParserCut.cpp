@@ -75,7 +75,7 @@ bool cutColumns(Cutting* cutting, std::string_view line, SplitRule* rule, Parser
 
 }  // namespace
 
-bool parserBlocking(Parser* parser, const ParserBlock* source, const BlockingRule* rule,
+bool parserBlocking(Parser* parser, const ParserBlock* source, BlockingRule* rule,
                     ParserBlocks* made) {
     if (parser == nullptr || source == nullptr || rule == nullptr || made == nullptr) return false;
     if (source->lines.empty()) return true;
