@@ -22,7 +22,7 @@ import directories
 HERE = pathlib.Path(__file__).resolve().parent
 WORK = HERE.parent / "build" / "bench"
 WORKLOADS = ("empty", "loop", "calls", "string", "expression", "split", "replace", "vector", "map",
-             "set", "tree", "filter", "lines", "wholefile")
+             "set", "tree", "filter", "lines", "wholefile", "parserlines", "records", "sort")
 RUNS_OF_EMPTY = 40
 PARSED_FUNCTIONS = 5000     # of 20 lines each
 
