@@ -1,5 +1,6 @@
 #include "platform/program.h"
 
+#include <malloc.h>
 #include <pthread.h>
 #include <signal.h>
 #include <sys/mman.h>
@@ -165,6 +166,9 @@ bool runOnStack(void* base, size_t bytes, DeepCall* call) {
 }  // namespace
 
 int osRunOnDeepStack(size_t bytes, int (*function)(void*), void* argument) {
+    // One heap for all threads: a heap of its own would make the thread that does
+    // the work ask the system for each page.
+    mallopt(M_ARENA_MAX, 1);
     DeepCall call{function, argument, osCurrentThreadId(), 0};
     for (; bytes >= kLeastDeepStack; bytes /= 2) {
         void* base = mapStack(bytes);
