@@ -130,7 +130,7 @@ bool walkFormat(String* s, const char* format, std::span<const FormatArg> args) 
         const FormatField field = readField(&walk);
         if (*walk == 0) break;
         const bool takesArgument = kLetters.find(*walk) != std::string_view::npos;
-        const FormatArg none;
+        const FormatArg none{};
         const FormatArg& arg = takesArgument && next < args.size() ? args[next++] : none;
         if (!stringAppendArg(s, *walk, field, arg)) return false;
         ++walk;
