@@ -79,6 +79,12 @@ function main
   new "string" q
   eval ( q = "text of an object without a name, long enough to be outside" )
   eval ( q += q )
+  parserparse a "single-:;" "key=1;a line too long to lie in an object=2" s
+  parserrecordize a s "string-:=" w
+  parseritemize a s "multi-:=" m
+  parservblocking a s "pos:1|3" w
+  parsergetlines a s l
+  eval ( v = a )
   eval ( l = l )
   eval ( w = l )
   retype v "map"

@@ -45,6 +45,7 @@ plaincast_test(StringFormatTest strings)
 plaincast_test(StringNumbersTest strings)
 plaincast_test(StringTest strings)
 plaincast_test(SystemInfoTest system)
+plaincast_test(TextParserTest text)
 if(WIN32)
     # Requests to stop are signals on the other system only.
     list(APPEND PLAINCAST_LISTED_TESTS ThreadSignalTest.cpp)
