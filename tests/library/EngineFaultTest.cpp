@@ -80,9 +80,12 @@ function main
   eval ( q = "text of an object without a name, long enough to be outside" )
   eval ( q += q )
   parserparse a "single-:;" "key=1;a line too long to lie in an object=2" s
+  parserpad a s "a prefix " ""
+  parsersort a s "decr"
   parserrecordize a s "string-:=" w
   parseritemize a s "multi-:=" m
   parservblocking a s "pos:1|3" w
+  parserblocking a s "sep]:*key*" w
   parsergetlines a s l
   eval ( v = a )
   eval ( l = l )

@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "containers/Memory.h"
 #include "strings/StringCompare.h"
 
 namespace {
@@ -138,28 +137,6 @@ TEST_F(TextParser, SortsAsSignedBytesOnceUntilLinesChange) {
         ASSERT_TRUE(filterRuleRead(&none, "line+:none") && parserFilter(block, &none));
         std::reverse(expected.begin(), expected.end());
         EXPECT_TRUE(parserSort(block, true) && isSorted());
-    }
-}
-
-TEST_F(TextParser, FailsWholeWithoutMemory) {
-    const ParserBlock* source = lines("b;1/a;2//c;3");
-    for (long long fault = 0, failures = 1; failures != 0; ++fault) {
-        memFailAfter(fault, true);
-        failures = 0;
-        Owned<Parser> copy(parserClone(parser.get()));
-        ParserBlock* block = parserFindBlock(copy.get(), source->name);
-        SplitRule split;
-        BlockingRule blocking;
-        ParserBlocks made;
-        failures += !block || !parserPad(block, "<", ">") || !parserTrim(block, kTrimAll, true) ||
-                    !parserSort(block, true);
-        failures += !splitRuleRead(&split, "multi-:;|,") ||
-                    !parserParse(copy.get(), &split, "x;y") ||
-                    !parserVBlocking(copy.get(), block, &split, &made);
-        failures += !blockingRuleRead(&blocking, "sep]:c*") ||
-                    !parserBlocking(copy.get(), block, &blocking, &made);
-        memFailAfter(-1, false);
-        EXPECT_EQ("b;1/a;2//c;3/", shown(source));
     }
 }
 
