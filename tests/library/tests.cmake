@@ -13,6 +13,12 @@ plaincast_test(CalendarTest time)
 plaincast_test(CommandAliasTest ScriptEngine3)
 plaincast_test(CommandCasesTest ScriptEngine3 logmessages)
 set_tests_properties(CommandCasesTest PROPERTIES ENVIRONMENT TZ=UTC0)
+plaincast_test(ConfPatcherTest config)
+if(NOT WIN32)
+    # Its long form is a soak test.
+    add_test(NAME ConfigSaves COMMAND ${PROJECT_SOURCE_DIR}/tests/soak/config_saves
+        $<TARGET_FILE:quorel_plaincast> 15)
+endif()
 plaincast_test(EngineFaultTest ScriptEngine3)
 plaincast_test(FileCasesTest ScriptEngine3 logmessages)
 plaincast_test(LanguageCasesTest ScriptEngine3 logmessages)
