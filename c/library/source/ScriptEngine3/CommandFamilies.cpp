@@ -2,6 +2,7 @@
 
 #include "ScriptEngine3/FlowCommands.h"
 #include "ScriptEngine3Functions/BundleCommands.h"
+#include "ScriptEngine3Functions/ConfigCommands.h"
 #include "ScriptEngine3Functions/ConsoleCommands.h"
 #include "ScriptEngine3Functions/DeclareCommands.h"
 #include "ScriptEngine3Functions/DirectoryCommands.h"

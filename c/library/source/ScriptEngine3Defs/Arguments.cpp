@@ -133,6 +133,21 @@ const String* Arguments::string(uint32_t index) {
     return object == nullptr ? nullptr : lend(object);
 }
 
+const String* Arguments::text(uint32_t index) {
+    ScriptObject* object = any(index);
+    if (object == nullptr) return nullptr;
+    if (object->type == kTypeString) return lend(object);
+    Owned<ScriptObject> made(scriptObjectCreate(kTypeString));
+    if (!made || !scriptObjectAppendString(engine_, object, &made->string)) {
+        refuse(index, kTypeString);
+        return nullptr;
+    }
+    object = made.release();
+    if (scriptTemporariesAdd(object)) return &object->string;
+    fail();
+    return nullptr;
+}
+
 ScriptObject* Arguments::retyped(uint32_t index, ScriptType type) {
     ScriptObject* object = any(index);
     if (object == nullptr || !keepLoansOf(object)) return nullptr;

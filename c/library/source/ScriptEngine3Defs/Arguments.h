@@ -61,6 +61,8 @@ class Arguments {
     }
     // The text of a value that must be a string. It lives until the handler ends.
     const String* string(uint32_t index);
+    // The same of a value of any type that has a text.
+    const String* text(uint32_t index);
     // The value of an argument that must be a number.
     double number(uint32_t index);
     // An argument that the handler may change, of any type.

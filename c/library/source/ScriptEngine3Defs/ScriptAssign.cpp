@@ -1,12 +1,13 @@
 #include "ScriptEngine3Defs/ScriptContainers.h"
 #include "ScriptEngine3Defs/ScriptEngineRecord.h"
+#include "config/ConfPatcher.h"
 #include "text/TextParser.h"
 
 namespace {
 
 // Of these an assignment carries the type alone.
 bool carriesTypeOnly(ScriptType type) {
-    return type == kTypeUndef || type == kTypeExpr || type == kTypeFile || type == kTypeConfig;
+    return type == kTypeUndef || type == kTypeExpr || type == kTypeFile;
 }
 
 // To a pointer: writes through to what it refers to, or aims it when it was
@@ -22,11 +23,13 @@ bool assignToPointer(ScriptEngine* engine, ScriptObject* pointer, ScriptObject* 
     return true;
 }
 
-bool assignParser(ScriptObject* target, const ScriptObject* source) {
-    Owned<Parser> copy(parserClone(source->parser));
+// Puts a copy in the place of a record.
+template <typename Record>
+bool replaceRecord(Record** target, Record* made) {
+    Owned<Record> copy(made);
     if (!copy) return false;
-    parserDestroy(&target->parser);
-    target->parser = copy.release();
+    OwnedTraits<Record>::destroy(target);
+    *target = copy.release();
     return true;
 }
 
@@ -41,7 +44,9 @@ bool copyValue(ScriptObject* target, const ScriptObject* source) {
             stringClear(&target->string);
             return true;
         case kTypeParser:
-            return assignParser(target, source);
+            return replaceRecord(&target->parser, parserClone(source->parser));
+        case kTypeConfig:
+            return replaceRecord(&target->config, confPatchCopy(source->config));
         default:
             return carriesTypeOnly(source->type) || scriptContainerAssign(target, source);
     }

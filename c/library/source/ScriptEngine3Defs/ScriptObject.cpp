@@ -3,6 +3,7 @@
 #include "ScriptEngine3Defs/ScriptBlock.h"
 #include "ScriptEngine3Defs/ScriptContainers.h"
 #include "ScriptEngine3Defs/ScriptExpression.h"
+#include "config/ConfPatcher.h"
 #include "containers/Pool.h"
 #include "files/BasicFile.h"
 #include "text/TextParser.h"
@@ -41,7 +42,8 @@ bool makePayload(ScriptObject* object, ScriptType type) {
             made = object->parser != nullptr;
             break;
         case kTypeConfig:
-            object->payload = nullptr;
+            object->config = confPatchCreate();
+            made = object->config != nullptr;
             break;
         default:
             made = scriptContainerCreate(object, type);
@@ -64,6 +66,9 @@ void endPayload(ScriptObject* object) {
             break;
         case kTypeParser:
             parserDestroy(&object->parser);
+            break;
+        case kTypeConfig:
+            confPatchDestroy(&object->config);
             break;
         case kTypeList:
         case kTypeVector:
@@ -123,7 +128,8 @@ bool clonePayload(ScriptObject* copy, const ScriptObject* source) {
             if (copy->parser == nullptr) return false;
             break;
         case kTypeConfig:
-            copy->payload = nullptr;
+            copy->config = confPatchCopy(source->config);
+            if (copy->config == nullptr) return false;
             break;
         default:
             return scriptContainerClone(copy, source);

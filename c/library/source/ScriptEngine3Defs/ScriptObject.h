@@ -9,6 +9,7 @@
 #include "strings/String.h"
 
 struct BasicFile;
+struct ConfPatcher;
 struct List;
 struct ListIterator;
 struct Map;
@@ -93,6 +94,7 @@ struct ScriptObject {
         MapValue map;
         PathTree* tree;
         Parser* parser;
+        ConfPatcher* config;
         Waiting waiting;
         void* payload;  // slot 0 of the types that keep a record outside
     };

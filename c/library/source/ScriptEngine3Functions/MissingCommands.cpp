@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "ScriptEngine3Defs/ScriptEngineRecord.h"
+#include "ScriptEngine3Functions/ConfigCommands.h"
 #include "ScriptEngine3Functions/ConsoleCommands.h"
 
 namespace {
@@ -29,17 +30,6 @@ constexpr CommandRow kRecordCommands[] = {
     {"recdiff", missing<"recdiff">, 3, 3, "1,3"},
     {"reccut", missing<"reccut">, 3, 4, "1"},
     {"recsort", missing<"recsort">, 1, 1, "1"},
-};
-
-constexpr CommandRow kConfigCommands[] = {
-    {"confload", missing<"confload">, 2, 2, "1"},
-    {"confsave", missing<"confsave">, 2, 2, "1", kInBlock, false, kSigned},
-    {"confset", missing<"confset">, 3, 3, "1"},
-    {"confget", missing<"confget">, 3, 4, "1,3,4"},
-    {"confsetmulti", missing<"confsetmulti">, 3, 3, "1,3"},
-    {"confgetmulti", missing<"confgetmulti">, 3, 4, "1,3,4"},
-    {"confgetsub", missing<"confgetsub">, 3, 3, "1,3"},
-    {"confhave", missing<"confhave">, 2, 2, "1"},
 };
 
 constexpr CommandRow kLockCommands[] = {
@@ -80,7 +70,7 @@ constexpr CommandRow kRegistryCommands[] = {
 constexpr CommandRow kSystemCommands[] = {
     {"getenv", missing<"getenv">, 2, 2, "2"},
     {"setenv", missing<"setenv">, 2, 2, nullptr},
-    {"confpatch", missing<"confpatch">, 3, 3, nullptr, kInBlock, false, kSigned},
+    {"confpatch", scriptEngineConfPatch, 3, 3, nullptr, kInBlock, false, kSigned},
     {"service", missing<"service">, 3, 3, "3", kInBlock, false, kSigned},
 };
 
@@ -113,9 +103,6 @@ int scriptEngineMissingCommand(ScriptEngine* engine, const char* name) {
 
 std::span<const CommandRow> recordCommands() {
     return kRecordCommands;
-}
-std::span<const CommandRow> configCommands() {
-    return kConfigCommands;
 }
 std::span<const CommandRow> lockCommands() {
     return kLockCommands;

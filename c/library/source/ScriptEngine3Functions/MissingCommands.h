@@ -11,7 +11,6 @@
 int scriptEngineMissingCommand(ScriptEngine* engine, const char* name);
 
 std::span<const CommandRow> recordCommands();
-std::span<const CommandRow> configCommands();
 std::span<const CommandRow> lockCommands();
 std::span<const CommandRow> processCommands();
 std::span<const CommandRow> registryCommands();
