@@ -22,7 +22,8 @@ import directories
 HERE = pathlib.Path(__file__).resolve().parent
 WORK = HERE.parent / "build" / "bench"
 WORKLOADS = ("empty", "loop", "calls", "string", "expression", "split", "replace", "vector", "map",
-             "set", "tree", "filter", "lines", "wholefile", "parserlines", "records", "sort")
+             "set", "tree", "filter", "lines", "wholefile", "parserlines", "records", "sort",
+             "config")
 RUNS_OF_EMPTY = 40
 PARSED_FUNCTIONS = 5000     # of 20 lines each
 
@@ -123,11 +124,25 @@ def write_large(path):
             file.write(line * 1000)
 
 
+def write_config(path):
+    """Writes a configuration of 100,000 nodes in 1,000 groups."""
+    with open(path, "w", encoding="ascii") as file:
+        file.write("root\n{\n")
+        for group in range(1000):
+            file.write(f"\tgroup{group}\n\t{{\n")
+            for node in range(100):
+                file.write(f"\t\tnode{node}\n\t\t{{\n\t\t\ttype=int\n"
+                           f"\t\t\tvalue={group * node}\n\t\t}}\n")
+            file.write("\t}\n")
+        file.write("}\n")
+
+
 # The files that a workload reads, and what writes them.
 READ_FILES = {
     "filter": {"log.txt": write_log},
     "lines": {"log.txt": write_log},
     "wholefile": {"large.txt": write_large},
+    "config": {"config.conf": write_config},
 }
 
 
@@ -206,7 +221,8 @@ def print_times(name, times, languages, index=0):
     ours = seconds("plaincast")
     peers = [seconds(language) for language in ("tcl", "perl", "python") if language in times]
     cells = [f"{seconds(language):.4f}" if language in times else "-" for language in languages]
-    row(name, cells + [f"{ours / min(peers):.2f}", f"{ours / seconds('lua'):.2f}"])
+    lua = f"{ours / seconds('lua'):.2f}" if "lua" in times else "-"
+    row(name, cells + [f"{ours / min(peers):.2f}", lua])
 
 
 def parse_runs(program):
