@@ -35,7 +35,10 @@ strtotime "2009-02-29" n -> @StrToTime: Failed to parse string time
 maketime m n -> @MakeTime: Out of memory
 maketime m m -> @MakeTime: Out of memory
 gettick s -> Parameter 1 must be a "number"
-strdiff s s s w -> The command "strdiff" is missing from this build
+parserdiff a s s w -> @ParserDiff: Out of memory
+recdiff w l w -> Parameter 2 must be a "vector"
+strdiff "a" "b" "lines=1" w
+  -> @StrDiff: Failed to run diff (check that the rules are properly formatted)
 )"),
           kVariables);
 }

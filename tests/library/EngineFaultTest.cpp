@@ -83,6 +83,8 @@ function main
   parserpad a s "a prefix " ""
   parsersort a s "decr"
   parserrecordize a s "string-:=" w
+  recsort w
+  strdiff "a=1\na=2" "a=2" "sep=S:'=',C:9|num=2|exclude=b" w
   parseritemize a s "multi-:=" m
   parservblocking a s "pos:1|3" w
   parserblocking a s "sep]:*key*" w

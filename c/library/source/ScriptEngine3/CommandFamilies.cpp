@@ -13,6 +13,7 @@
 #include "ScriptEngine3Functions/MissingCommands.h"
 #include "ScriptEngine3Functions/ParserCommands.h"
 #include "ScriptEngine3Functions/PathCommands.h"
+#include "ScriptEngine3Functions/RecordCommands.h"
 #include "ScriptEngine3Functions/SetCommands.h"
 #include "ScriptEngine3Functions/StringCommands.h"
 #include "ScriptEngine3Functions/TimeCommands.h"

@@ -25,13 +25,6 @@ int missing(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
     return scriptEngineMissingCommand(engine, kName.text);
 }
 
-constexpr CommandRow kRecordCommands[] = {
-    {"parserdiff", missing<"parserdiff">, 4, 4, "1,4"},
-    {"recdiff", missing<"recdiff">, 3, 3, "1,3"},
-    {"reccut", missing<"reccut">, 3, 4, "1"},
-    {"recsort", missing<"recsort">, 1, 1, "1"},
-};
-
 constexpr CommandRow kLockCommands[] = {
     {"setlock", missing<"setlock">, 1, 2, nullptr},
     {"removelock", missing<"removelock">, 1, 1, nullptr},
@@ -101,9 +94,6 @@ int scriptEngineMissingCommand(ScriptEngine* engine, const char* name) {
     return kError;
 }
 
-std::span<const CommandRow> recordCommands() {
-    return kRecordCommands;
-}
 std::span<const CommandRow> lockCommands() {
     return kLockCommands;
 }

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "ScriptEngine3Functions/FlagArgument.h"
-#include "ScriptEngine3Functions/MissingCommands.h"
+#include "ScriptEngine3Functions/RecordCommands.h"
 #include "ScriptEngine3Functions/StringSplitCommands.h"
 #include "strings/StringEdit.h"
 #include "strings/StringFind.h"
@@ -163,11 +163,6 @@ int scriptEngineStrMakeLines(ScriptEngine* engine, ScriptBlock* block, ScriptArg
     if (status != kDone) return status;
     stringMakeLines(&target->string, numberToUInt32(width), breakWords);
     return kDone;
-}
-
-int scriptEngineStrDiff(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
-    if (engine == nullptr || block == nullptr || args == nullptr) return kInvalidCall;
-    return scriptEngineMissingCommand(engine, "strdiff");
 }
 
 constexpr CommandRow kStringCommands[] = {
