@@ -9,6 +9,7 @@ build/bench, which has the files that they read.
 """
 
 import argparse
+import math
 import os
 import pathlib
 import shutil
@@ -23,8 +24,9 @@ HERE = pathlib.Path(__file__).resolve().parent
 WORK = HERE.parent / "build" / "bench"
 WORKLOADS = ("empty", "loop", "calls", "string", "expression", "split", "replace", "vector", "map",
              "set", "tree", "filter", "lines", "wholefile", "parserlines", "records", "sort",
-             "config")
+             "config", "strdiff")
 RUNS_OF_EMPTY = 40
+GROWTH_OF_STRDIFF = (10000, 20000, 40000, 80000)
 PARSED_FUNCTIONS = 5000     # of 20 lines each
 
 # What makes a program of each language wait for a line of input at its end.
@@ -247,11 +249,39 @@ def print_directories(languages, source, rounds):
         row(workload, [f"{ours:.4f}", f"{theirs:.4f}", f"{ours / theirs:.2f}"])
 
 
+def print_growth(command, rounds):
+    """Times strdiff with more and more records; the exponent is that of the time's growth.
+
+    diff answers less: which lines differ, in their order.
+    """
+    print()
+    row("records of strdiff", ["strdiff", "diff"])
+    text = (HERE / "strdiff" / "plaincast.qcs").read_text()
+    seconds = []
+    for count in GROWTH_OF_STRDIFF:
+        script = WORK / "growth.qcs"
+        script.write_text(text.replace("50000", str(count)))
+        for name, changed in (("old", 0), ("new", 20)):
+            with open(WORK / f"{name}.txt", "w", encoding="utf-8") as file:
+                for i in range(count):
+                    file.write(f"package-{100000 + i};amd64;section-{i % 17};{i * 37 % 9001};ok;"
+                               f"{i % 11 + (changed if i % 50 == 7 else 0)}\n")
+        # The shell makes a success of diff's answer that there are differences.
+        diff = ["sh", "-c", "diff old.txt new.txt >/dev/null || [ $? -eq 1 ]"]
+        seconds.append(min(measure(command + [str(script)], WORK)[0] for _ in range(rounds)))
+        row(count, [f"{seconds[-1]:.4f}",
+                    f"{min(measure(diff, WORK)[0] for _ in range(rounds)):.4f}"])
+    growth = math.log(seconds[-1] / seconds[0]) / math.log(GROWTH_OF_STRDIFF[-1] /
+                                                           GROWTH_OF_STRDIFF[0])
+    print(f"time grows with the power {growth:.2f} of the records")
+
+
 def main():
     parser = argparse.ArgumentParser(description="Times the workloads against other languages.")
     parser.add_argument("--program", required=True)
     parser.add_argument("--rounds", type=int, default=5)
-    parser.add_argument("names", nargs="*", help="workloads, parse or memory; all without a name")
+    parser.add_argument("names", nargs="*",
+                        help="workloads, parse, growth or memory; all without a name")
     parser.add_argument("--megabytes", type=int, default=300, help="of files for bundles")
     arguments = parser.parse_args()
     arguments.program = os.path.abspath(arguments.program)
@@ -291,6 +321,8 @@ def main():
         print_directories(languages, source, arguments.rounds)
     bundles.run(os.path.abspath(arguments.program), WORK, wanted, min(arguments.rounds, 2),
                 arguments.megabytes)
+    if wanted("growth"):
+        print_growth(languages["plaincast"][0], arguments.rounds)
     if wanted("memory"):
         print()
         row("resident KiB", languages)
