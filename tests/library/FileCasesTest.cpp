@@ -9,7 +9,8 @@ namespace {
 using FileCases = ScriptCases;
 namespace fs = std::filesystem;
 
-constexpr char kVariables[] = "file f\nparser a\nvar u\nlist l\nvector w\nmap m\nstring s\nnumber n\n";
+constexpr char kVariables[] =
+    "file f\nparser a\nvar u\nlist l\nvector w\nmap m\nstring s\nnumber n\n";
 
 constexpr char kTable[] = R"(
 fileopen n "x" "read" -> Parameter 1 must be a "file"
