@@ -53,7 +53,7 @@ TEST(PathTree, EndsAValueOnceWithItsNode) {
     EXPECT_EQ(4, destroyed);
     pathTreeClear(tree.get(), countDestroy);
     EXPECT_EQ(6, destroyed);
-    EXPECT_EQ("root", stringView(tree->root->name));
+    EXPECT_EQ("root", stringView(&tree->root->name));
 }
 
 TEST(PathTree, FindsAmongManyChildrenWhileTheyComeAndGo) {

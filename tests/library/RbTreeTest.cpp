@@ -146,17 +146,17 @@ TEST(RbTree, CursorsOutliveTheirEraseAClearAndTheTree) {
     EXPECT_FALSE(rbTreeIterNext(&orphan));
 }
 
-// Keys of whole numbers: even and odd ones are two kinds, a few have none, and
+// Keys of whole numbers: even and odd ones are two kinds, one has none, and
 // neighbours share an order.
-RbKey keyOfNumber(const void* element) {
-    const int32_t value = *static_cast<const int32_t*>(element);
-    if (value == 63) return {0, kRbNoKind};
-    return {static_cast<uint64_t>(value / 4), static_cast<uint8_t>(1 + value % 2)};
-}
-
-uint32_t hashOfNumber(const void* element) {
-    return static_cast<uint32_t>(*static_cast<const int32_t*>(element) % 5);
-}
+constexpr RbKeys kNumberKeys = {
+    [](const void* element) {
+        const int value = of(element);
+        return static_cast<uint8_t>(value == 63 ? kRbNoKind : 1 + value % 2);
+    },
+    [](const void* element) { return static_cast<uint64_t>(of(element) / 4); },
+    [](const void* left, const void* right) { return of(left) == of(right); },
+    [](const void* element) { return static_cast<uint32_t>(of(element) % 5); },
+};
 
 void expectSameShape(const RbTree* left, const RbNode* a, const RbTree* right, const RbNode* b) {
     if (a == &left->nil || b == &right->nil) {
@@ -172,12 +172,11 @@ void expectSameShape(const RbTree* left, const RbNode* a, const RbTree* right, c
 // With keys, an index and the short way to replace, a tree must come out as
 // without them.
 TEST(RbTree, KeysChangeNothingThatCanBeSeen) {
-    constexpr RbKeys kKeys = {keyOfNumber, hashOfNumber};
     std::mt19937 random(11);
     for (int round = 0; round < 400; ++round) {
         RbTree keyed;
         RbTree plain;
-        rbTreeInit(&keyed, compareSigned, true, &kKeys);
+        rbTreeInit(&keyed, compareSigned, true, &kNumberKeys);
         rbTreeInit(&plain, compareSigned, true);
         const bool evenOnly = round % 4 != 0;
         const bool unique = round % 2 == 0;

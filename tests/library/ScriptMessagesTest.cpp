@@ -224,7 +224,7 @@ l += n -> evaluateAddassign: Failed to assign
                              name + std::string(": Failed to compare\n")});
     for (const char* row :
          {"&max Max", "&min Min", "&avg Avg", "^ Pow", "* Mult", "/ Div", "% Mod", "- Minus"}) {
-        const std::string token(row, strchr(row, ' '));
+        const std::string token(row, static_cast<size_t>(strchr(row, ' ') - row));
         const std::string name = "evaluate" + std::string(row + token.size() + 1);
         cases.push_back({"p " + token + " s", name + ": Invalid left operand pointer\n"});
         cases.push_back({"s " + token + " p", name + ": Invalid right operand pointer\n"});

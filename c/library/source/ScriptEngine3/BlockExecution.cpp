@@ -10,13 +10,20 @@ namespace {
 // What the deepest call of a handler may need of the stack.
 constexpr size_t kStackReserve = 256 * 1024;
 
+// What is marked `cold` here stands out of the way of the statements that succeed.
+
+[[gnu::cold, gnu::noinline]] void setOtherResult(ScriptEngine* engine, ScriptObject* object,
+                                                 bool value) {
+    scriptObjectSetStringValue(engine, object, value ? "1" : "0");
+}
+
 // Sets a result variable. They are numbers unless a script has made something
 // else of them, which then takes the text of the number as far as it can.
 inline void setResult(ScriptEngine* engine, ScriptObject* object, bool value) {
-    if (object->type == kTypeNumber)
+    if (object->type == kTypeNumber) [[likely]]
         object->number = value;
     else
-        scriptObjectSetStringValue(engine, object, value ? "1" : "0");
+        setOtherResult(engine, object, value);
 }
 
 inline void setSuccess(ScriptEngine* engine, bool value) {
@@ -40,14 +47,15 @@ inline void clearResults(ScriptEngine* engine) {
 }
 
 // Logs a message about a statement whose format ends in its line and file.
-void logAboutLine(ScriptEngine* engine, int level, const char* format, const ScriptLine* line) {
+[[gnu::cold]] void logAboutLine(ScriptEngine* engine, int level, const char* format,
+                                const ScriptLine* line) {
     if (!logWanted(level)) return;
     const SourceFile& source = engine->sources[line->source];
     logAt(engine->logger, level, format, line->lineNumber, source.directory, source.fileName);
 }
 
 // Finds the function that a `call` names, by the value that the name has now.
-bool resolveCall(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
+[[gnu::noinline]] bool resolveCall(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
     ScriptBlock* where = nullptr;
     ScriptObject* name = scriptBlockSearchPlace(block, &line->args.items[0], &where);
     if (name == nullptr) {
@@ -80,7 +88,7 @@ bool resolveCall(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
 }
 
 // Whether a statement that changes things outside may run from its file.
-bool signatureSuffices(ScriptEngine* engine, const ScriptLine* line) {
+[[gnu::noinline]] bool signatureSuffices(ScriptEngine* engine, const ScriptLine* line) {
     if (!line->needsSignature) return true;
     const SourceFile& source = engine->sources[line->source];
     if (source.isSigned) return true;
@@ -93,7 +101,8 @@ bool signatureSuffices(ScriptEngine* engine, const ScriptLine* line) {
 }
 
 // What a handler's failure does; false when the block stops.
-bool actOnFailure(ScriptEngine* engine, int status, const ScriptLine* line) {
+[[gnu::cold, gnu::noinline]] bool actOnFailure(ScriptEngine* engine, int status,
+                                               const ScriptLine* line) {
     constexpr char kErrorOccurred[] =
         "scriptEngineRunBlock: Error occurred in line %u in file \"%S%S\"";
     switch (status) {
@@ -122,7 +131,8 @@ bool actOnFailure(ScriptEngine* engine, int status, const ScriptLine* line) {
     }
 }
 
-void traceResult(ScriptEngine* engine, int status, const ScriptLine* line) {
+[[gnu::cold, gnu::noinline]] void traceResult(ScriptEngine* engine, int status,
+                                              const ScriptLine* line) {
     if (status == kDone)
         logAboutLine(engine, kLogTrace,
                      "scriptEngineRunBlock: Successfully executed script line %u in \"%S%S\"",
@@ -137,7 +147,7 @@ void traceResult(ScriptEngine* engine, int status, const ScriptLine* line) {
 // Acts on what a handler gave back; false when the block stops.
 inline bool actOnStatus(ScriptEngine* engine, ScriptBlock* block, int status,
                         const ScriptLine* line) {
-    if (status == kDone) {
+    if (status == kDone) [[likely]] {
         if (line->flow != kContinueCommand) setSuccess(engine, true);
         return true;
     }

@@ -56,7 +56,12 @@ bool branchCondition(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
         logError(engine->logger, "Parameter %u is not (properly) defined", 1u);
         return false;
     }
-    const ScriptObject* object = scriptEngineGetParam(engine, block, args, 0, kTypeUndef, true);
+    const ScriptObject* object = scriptBlockSearchPlace(block, &args->items[0], nullptr);
+    if (object != nullptr && object->type == kTypeNumber) {
+        *truth = object->number == 0 ? kFalse : kTrue;
+        return true;
+    }
+    object = scriptEngineGetParam(engine, block, args, 0, kTypeUndef, true);
     if (object == nullptr) return false;
     *truth = scriptObjectGetBool(engine, object, block);
     return true;
@@ -98,6 +103,8 @@ class LoopArgument {
         if (object_->type != kTypeExpr) {
             // Looked up anew: what was the template's may have become the block's own.
             const ScriptObject* object = scriptBlockSearchPlace(block_, arg_, nullptr);
+            if (object != nullptr && object->type == kTypeNumber)
+                return object->number == 0 ? kFalse : kTrue;
             return scriptObjectGetBool(engine_, object, block_);
         }
         double number;

@@ -1,15 +1,11 @@
 #include "ScriptEngine3Defs/NameTable.h"
 
+#include "strings/TextHash.h"
+
 namespace {
 
 constexpr uint32_t kFirstCapacity = 64;
 constexpr size_t kChunkBytes = 16 * 1024;
-
-uint32_t hashOf(std::string_view name) {
-    uint32_t hash = 2166136261u;
-    for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
-    return hash ^ (hash >> 15);
-}
 
 }  // namespace
 
@@ -20,7 +16,7 @@ NameTable::~NameTable() {
 
 uint32_t NameTable::find(std::string_view name) const {
     if (count_ == 0) return kAbsent;
-    const uint32_t hash = hashOf(name);
+    const uint32_t hash = textHash(name);
     for (uint32_t at = hash & (capacity_ - 1);; at = (at + 1) & (capacity_ - 1)) {
         const Entry& entry = entries_[at];
         if (entry.text == nullptr) return kAbsent;
@@ -33,7 +29,7 @@ bool NameTable::add(std::string_view name, uint32_t value) {
     if ((count_ + 1) * 4 > capacity_ * 3 && !grow()) return false;
     const char* text = keep(name);
     if (text == nullptr) return false;
-    place({text, static_cast<uint32_t>(name.size()), hashOf(name), value});
+    place({text, static_cast<uint32_t>(name.size()), textHash(name), value});
     ++count_;
     return true;
 }

@@ -60,7 +60,7 @@ bool cloneTreeValue(PathTreeNode* to, const PathTreeNode* from) {
 }
 
 PathTreeNode* cloneTreeNode(PathTreeNode* parent, const PathTreeNode* from) {
-    PathTreeNode* node = pathTreeNodeCreate(from->name);
+    PathTreeNode* node = pathTreeNodeCreate(&from->name);
     if (node == nullptr) return nullptr;
     if (cloneTreeValue(node, from) && pathTreeNodeAppend(parent, node)) return node;
     pathTreeNodeDestroy(&node, scriptObjectDestroyElement);

@@ -12,6 +12,8 @@ ScriptObject* ContainerArguments::copyOf(uint32_t index, bool followRefs) {
     if (!ok()) return nullptr;
     ScriptBlock* where = nullptr;
     ScriptObject* object = scriptBlockSearchPlace(block_, arg(index), &where);
+    if (object != nullptr && object->type != kTypeExpr && object->type != kTypePointer)
+        return scriptObjectClone(object);
     if (object == nullptr || object->type != kTypeExpr)
         return scriptObjectClone(followRefs ? any(index) : unfollowed(index));
     if (!keepLoansFrom(object)) return nullptr;

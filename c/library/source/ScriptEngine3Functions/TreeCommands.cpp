@@ -15,11 +15,14 @@ int scriptEngineTreeAddNode(ScriptEngine* engine, ScriptBlock* block, ScriptArgs
     const String* name = in.string(2);
     ScriptObject* tree = in.container();
     if (!in.ok()) return in.status();
-    const PathTreeNode* parent = pathTreeFind(tree->tree, path);
-    if (parent == nullptr || stringView(name).find('.') != std::string_view::npos ||
-        pathTreeNodeChild(parent, stringView(name)) != nullptr)
-        return kNegative;
-    if (pathTreeAddNode(tree->tree, path, name) != nullptr) return kDone;
+    PathTreeNode* parent = pathTreeFind(tree->tree, path);
+    if (parent == nullptr || stringView(name).find('.') != std::string_view::npos) return kNegative;
+    Owned<PathTreeNode> node(pathTreeNodeCreate(name));
+    if (pathTreeNodeAppend(parent, node.get())) {
+        node.release();
+        return kDone;
+    }
+    if (pathTreeNodeChild(parent, stringView(name)) != nullptr) return kNegative;
     return commandOutOfMemory(engine, "scriptEngineTreeAddNode");
 }
 
@@ -68,7 +71,7 @@ int scriptEngineTreeGetSub(ScriptEngine* engine, ScriptBlock* block, ScriptArgs*
     if (node == nullptr) return kNegative;
     for (const PathTreeNode* child = pathTreeNodeFirst(node); child != nullptr;
          child = pathTreeNodeNext(child)) {
-        Owned<ScriptObject> name(scriptObjectCreateString(stringView(child->name)));
+        Owned<ScriptObject> name(scriptObjectCreateString(stringView(&child->name)));
         if (!name || !containerAdd(names, name.get()))
             return commandOutOfMemory(engine, "scriptEngineTreeGetSub");
         name.release();
@@ -105,7 +108,7 @@ int scriptEngineTreeErase(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* 
 // may lie inside what is copied. Null when it cannot be made; a root without a
 // value cannot be copied.
 PathTreeNode* copyNode(const PathTreeNode* source) {
-    PathTreeNode* copy = pathTreeNodeCreate(source->name);
+    PathTreeNode* copy = pathTreeNodeCreate(&source->name);
     if (copy == nullptr) return nullptr;
     copy->value = scriptObjectClone(valueOf(source));
     const bool hasValue = copy->value != nullptr;
@@ -130,7 +133,7 @@ int scriptEngineTreeCopyNode(ScriptEngine* engine, ScriptBlock* block, ScriptArg
     const PathTreeNode* node = pathTreeFind(source->tree, sourcePath);
     PathTreeNode* parent = pathTreeFind(destination->tree, parentPath);
     if (node == nullptr || parent == nullptr ||
-        pathTreeNodeChild(parent, stringView(node->name)) != nullptr)
+        pathTreeNodeChild(parent, stringView(&node->name)) != nullptr)
         return kNegative;
     PathTreeNode* copy = copyNode(node);
     if (pathTreeNodeAppend(parent, copy)) return kDone;

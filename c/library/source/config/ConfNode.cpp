@@ -3,6 +3,7 @@
 #include <bit>
 
 #include "containers/Memory.h"
+#include "strings/TextHash.h"
 
 // Open addressing, at most half full. It only saves time: a node that has no
 // memory for one is searched in order.
@@ -29,16 +30,10 @@ constexpr const char* kWritten[] = {nullptr,    "open",     "string",  "bool",
 constexpr TypeWord kFurtherWords[] = {{"integer", kConfInt}, {"real", kConfFloat}};
 constexpr int32_t kTypes = static_cast<int32_t>(std::size(kWritten));
 
-uint32_t hashName(std::string_view name) {
-    uint32_t hash = 2166136261u;
-    for (const char byte : name) hash = (hash ^ static_cast<unsigned char>(byte)) * 16777619u;
-    return hash;
-}
-
 // The slot of the child of that name, or the free one where it would stand.
 ConfNode** slotOf(ConfNodeIndex* index, std::string_view name) {
     ConfNode** slots = index->slots();
-    size_t at = hashName(name) & index->mask;
+    size_t at = textHash(name) & index->mask;
     while (slots[at] != nullptr && stringView(&slots[at]->name) != name)
         at = (at + 1) & index->mask;
     return slots + at;

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "containers/Memory.h"
-#include "strings/String.h"
+#include "strings/TextHash.h"
 
 // Finds a child by name where there are many: open addressing, at most half
 // full. It only saves time; a node that has no memory for one does without.
@@ -23,31 +23,37 @@ constexpr uint32_t kIndexFrom = 16;
 // Keeps the place of a child that has gone.
 PathTreeNode goneNode;
 
-uint32_t hashName(std::string_view name) {
-    uint32_t hash = 2166136261u;
-    for (const char byte : name) hash = (hash ^ static_cast<unsigned char>(byte)) * 16777619u;
-    return hash;
-}
-
 PathTreeNode* childOf(const ListNode* place) {
     return place == nullptr ? nullptr : static_cast<PathTreeNode*>(place->value);
 }
 
-// The slot that holds `child`, or, without one, a child of that name; else the
-// free slot where the search ended.
-PathTreeNode** slotOf(PathTreeIndex* index, std::string_view name, const PathTreeNode* child) {
+// The slot where `fits` is true of a child of that hash; else the free slot where
+// the search ended.
+template <typename Fits>
+PathTreeNode** slotOf(PathTreeIndex* index, uint32_t hash, Fits fits) {
     PathTreeNode** slots = index->slots();
-    uint32_t place = hashName(name) & (index->size - 1);
+    uint32_t place = hash & (index->size - 1);
     for (; slots[place] != nullptr; place = (place + 1) & (index->size - 1)) {
         const PathTreeNode* here = slots[place];
-        if (here == &goneNode) continue;
-        if (child == nullptr ? stringView(here->name) == name : here == child) break;
+        if (here != &goneNode && here->nameHash == hash && fits(here)) break;
     }
     return slots + place;
 }
 
+// The slot of the child of that name.
+PathTreeNode** slotOfName(PathTreeIndex* index, uint32_t hash, std::string_view name) {
+    return slotOf(index, hash,
+                  [name](const PathTreeNode* here) { return stringView(&here->name) == name; });
+}
+
+// The slot of that child.
+PathTreeNode** slotOfChild(PathTreeIndex* index, const PathTreeNode* child) {
+    return slotOf(index, child->nameHash,
+                  [child](const PathTreeNode* here) { return here == child; });
+}
+
 void addToIndex(PathTreeIndex* index, PathTreeNode* child) {
-    *slotOf(index, stringView(child->name), child) = child;
+    *slotOfChild(index, child) = child;
     ++index->used;
 }
 
@@ -81,7 +87,7 @@ void noteNewChild(PathTreeNode* parent, PathTreeNode* child) {
 void detach(PathTreeNode* node) {
     PathTreeNode* parent = node->parent;
     if (parent == nullptr) return;
-    if (parent->index != nullptr) *slotOf(parent->index, stringView(node->name), node) = &goneNode;
+    if (parent->index != nullptr) *slotOfChild(parent->index, node) = &goneNode;
     listEraseNode(parent->children, node->place);
     node->parent = nullptr;
     node->place = nullptr;
@@ -106,10 +112,18 @@ void destroyChildren(PathTreeNode* top, DestroyFunction destroy) {
         PathTreeNode* parent = node->parent;
         detach(node);
         endValue(node, destroy);
-        stringDestroy(&node->name);
+        stringRelease(&node->name);
         memFree(&node);
         node = parent;
     }
+}
+
+PathTreeNode* childOfHash(const PathTreeNode* parent, uint32_t hash, std::string_view name) {
+    if (parent->index != nullptr) return *slotOfName(parent->index, hash, name);
+    PathTreeNode* child = pathTreeNodeFirst(parent);
+    while (child != nullptr && (child->nameHash != hash || stringView(&child->name) != name))
+        child = pathTreeNodeNext(child);
+    return child;
 }
 
 // Cuts the next name off the rest of a path.
@@ -181,7 +195,7 @@ List* pathTreeChildNames(const PathTree* tree, const String* path) {
     List* names = listCreate();
     for (PathTreeNode* child = pathTreeNodeFirst(node); child != nullptr && names != nullptr;
          child = pathTreeNodeNext(child)) {
-        Owned<String> name(stringClone(child->name));
+        Owned<String> name(stringClone(&child->name));
         if (listPushBack(names, name.get()))
             name.release();
         else
@@ -210,8 +224,10 @@ PathTreeNode* pathTreeNodeCreate(const String* name) {
         return nullptr;
     PathTreeNode* node = memNew<PathTreeNode>();
     if (node == nullptr) return nullptr;
-    node->name = stringClone(name);
-    if (node->name == nullptr) memFree(&node);
+    if (stringCopyInto(&node->name, name))
+        node->nameHash = textHash(stringView(name));
+    else
+        memFree(&node);
     return node;
 }
 
@@ -220,14 +236,14 @@ void pathTreeNodeDestroy(PathTreeNode** node, DestroyFunction destroy) {
     detach(*node);
     destroyChildren(*node, destroy);
     endValue(*node, destroy);
-    stringDestroy(&(*node)->name);
+    stringRelease(&(*node)->name);
     memFree(node);
 }
 
 bool pathTreeNodeAppend(PathTreeNode* parent, PathTreeNode* node) {
     if (parent == nullptr || node == nullptr || parent == node || node->parent != nullptr)
         return false;
-    if (pathTreeNodeChild(parent, stringView(node->name)) != nullptr) return false;
+    if (childOfHash(parent, node->nameHash, stringView(&node->name)) != nullptr) return false;
     if (parent->children == nullptr) parent->children = listCreate();
     if (!listPushBack(parent->children, node)) return false;
     node->parent = parent;
@@ -237,11 +253,7 @@ bool pathTreeNodeAppend(PathTreeNode* parent, PathTreeNode* node) {
 }
 
 PathTreeNode* pathTreeNodeChild(const PathTreeNode* parent, std::string_view name) {
-    if (parent == nullptr) return nullptr;
-    if (parent->index != nullptr) return *slotOf(parent->index, name, nullptr);
-    PathTreeNode* child = pathTreeNodeFirst(parent);
-    while (child != nullptr && stringView(child->name) != name) child = pathTreeNodeNext(child);
-    return child;
+    return parent == nullptr ? nullptr : childOfHash(parent, textHash(name), name);
 }
 
 PathTreeNode* pathTreeNodeFirst(const PathTreeNode* parent) {

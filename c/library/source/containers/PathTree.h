@@ -6,8 +6,8 @@
 #include "containers/Compare.h"
 #include "containers/List.h"
 #include "containers/Owned.h"
+#include "strings/String.h"
 
-struct String;
 struct PathTreeIndex;
 
 // A tree of named nodes with a value each, reached by paths of names joined by
@@ -17,7 +17,8 @@ struct PathTreeIndex;
 // tolerated everywhere, and a null path finds nothing.
 
 struct PathTreeNode {
-    String* name;  // owned
+    String name;        // in place
+    uint32_t nameHash;  // by which the index finds it
     void* value;
     PathTreeNode* parent;  // null for a node that hangs nowhere
     List* children;        // owned, of nodes, in the order of their making; null without any

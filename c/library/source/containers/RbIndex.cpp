@@ -1,24 +1,26 @@
 #include "containers/RbIndex.h"
 
-#include <cstring>
-
 #include "containers/Memory.h"
+#include "containers/RbTree.h"
 
 namespace {
 
 constexpr uint32_t kLeastPlaces = 32;
 
 RbIndexEntry* makeEntries(uint32_t places) {
-    const size_t bytes = sizeof(RbIndexEntry) * places;
-    auto* entries = static_cast<RbIndexEntry*>(memAlloc(bytes));
-    if (entries != nullptr) std::memset(static_cast<void*>(entries), 0, bytes);
-    return entries;
+    return static_cast<RbIndexEntry*>(memAllocZeros(sizeof(RbIndexEntry) * places));
 }
 
-void place(RbIndex* index, RbIndexEntry entry) {
-    uint32_t at = entry.hash & index->mask;
-    while (index->entries[at].node != nullptr) at = (at + 1) & index->mask;
-    index->entries[at] = entry;
+// Whether so many nodes are as much as the places hold.
+bool isFull(uint64_t count, uint64_t places) {
+    return count * 16 > places * 13;
+}
+
+void place(RbIndex* index, RbNode* node) {
+    uint32_t at = node->hash & index->mask;
+    while (index->entries[at] != 0) at = (at + 1) & index->mask;
+    const RbIndexEntry tag = node->hash >> 16;
+    index->entries[at] = reinterpret_cast<RbIndexEntry>(node) | tag << kRbAddressBits;
 }
 
 bool grow(RbIndex* index) {
@@ -30,14 +32,14 @@ bool grow(RbIndex* index) {
     index->entries = larger;
     index->mask = oldPlaces * 2 - 1;
     for (uint32_t at = 0; at < oldPlaces; ++at)
-        if (old[at].node != nullptr) place(index, old[at]);
+        if (old[at] != 0) place(index, rbIndexNode(old[at]));
     memFree(&old);
     return true;
 }
 
-uint32_t placeOf(const RbIndex* index, uint32_t hash, const RbNode* node) {
-    uint32_t at = hash & index->mask;
-    while (index->entries[at].node != node) at = (at + 1) & index->mask;
+uint32_t placeOf(const RbIndex* index, const RbNode* node) {
+    uint32_t at = node->hash & index->mask;
+    while (rbIndexNode(index->entries[at]) != node) at = (at + 1) & index->mask;
     return at;
 }
 
@@ -45,7 +47,7 @@ uint32_t placeOf(const RbIndex* index, uint32_t hash, const RbNode* node) {
 
 RbIndex* rbIndexCreate(uint32_t count) {
     uint64_t places = kLeastPlaces;
-    while (places * 3 < uint64_t{count} * 4) places *= 2;
+    while (isFull(count, places)) places *= 2;
     if (places > UINT32_MAX) return nullptr;
     auto* index = memNew<RbIndex>();
     if (index == nullptr) return nullptr;
@@ -62,29 +64,29 @@ void rbIndexDestroy(RbIndex** index) {
     memFree(index);
 }
 
-bool rbIndexAdd(RbIndex* index, uint32_t hash, RbNode* node) {
-    if ((uint64_t{index->count} + 1) * 4 > (uint64_t{index->mask} + 1) * 3 && !grow(index))
-        return false;
-    place(index, {node, hash});
+bool rbIndexAdd(RbIndex* index, RbNode* node) {
+    if (isFull(uint64_t{index->count} + 1, uint64_t{index->mask} + 1) && !grow(index)) return false;
+    place(index, node);
     ++index->count;
     return true;
 }
 
 // What stands behind the gap moves up as far as its own place lets it, so that
 // no search ends too early.
-void rbIndexRemove(RbIndex* index, uint32_t hash, const RbNode* node) {
-    uint32_t gap = placeOf(index, hash, node);
-    for (uint32_t at = (gap + 1) & index->mask; index->entries[at].node != nullptr;
+void rbIndexRemove(RbIndex* index, const RbNode* node) {
+    uint32_t gap = placeOf(index, node);
+    for (uint32_t at = (gap + 1) & index->mask; index->entries[at] != 0;
          at = (at + 1) & index->mask) {
-        const uint32_t home = index->entries[at].hash & index->mask;
+        const uint32_t home = rbIndexNode(index->entries[at])->hash & index->mask;
         if (((at - home) & index->mask) < ((at - gap) & index->mask)) continue;
         index->entries[gap] = index->entries[at];
         gap = at;
     }
-    index->entries[gap].node = nullptr;
+    index->entries[gap] = 0;
     --index->count;
 }
 
-void rbIndexMove(RbIndex* index, uint32_t hash, const RbNode* from, RbNode* to) {
-    index->entries[placeOf(index, hash, from)].node = to;
+void rbIndexMove(RbIndex* index, const RbNode* from, RbNode* to) {
+    RbIndexEntry& entry = index->entries[placeOf(index, from)];
+    entry ^= reinterpret_cast<RbIndexEntry>(from) ^ reinterpret_cast<RbIndexEntry>(to);
 }

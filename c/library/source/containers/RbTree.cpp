@@ -154,15 +154,19 @@ void resetKeys(RbTree* tree) {
     rbIndexDestroy(&tree->index);
 }
 
-// The key of an element that comes in.
-RbKey noteKey(RbTree* tree, const void* data) {
-    if (tree->keys == nullptr || tree->kind == kRbMixedKind) return {0, kRbNoKind};
-    const RbKey key = tree->keys->keyOf(data);
-    if (key.kind == kRbNoKind || (tree->kind != kRbAnyKind && tree->kind != key.kind))
+// Whether the keys tell the order of the element among those of the tree.
+bool isOrdered(const RbTree* tree, const void* data) {
+    return hasKeys(tree) && tree->keys->kindOf(data) == tree->kind;
+}
+
+// Takes note of the kind of an element that comes in.
+void noteKind(RbTree* tree, const void* data) {
+    if (tree->keys == nullptr || tree->kind == kRbMixedKind) return;
+    const uint8_t kind = tree->keys->kindOf(data);
+    if (kind == kRbNoKind || (tree->kind != kRbAnyKind && tree->kind != kind))
         setMixed(tree);
     else
-        tree->kind = key.kind;
-    return key;
+        tree->kind = kind;
 }
 
 // The order of an element, with its key, and the one of a node.
@@ -202,8 +206,8 @@ RbNode* search(const RbTree* tree, Compare compare) {
 }
 
 void noteInIndex(RbTree* tree, RbNode* node) {
-    node->hash = tree->keys->hash(node->data);
-    if (!rbIndexAdd(tree->index, node->hash, node)) rbIndexDestroy(&tree->index);
+    node->hash = tree->keys->hashOf(node->data);
+    if (!rbIndexAdd(tree->index, node)) rbIndexDestroy(&tree->index);
 }
 
 // Adds a new node to the index, and makes one where it begins to pay.
@@ -309,19 +313,21 @@ RbNode* rbTreeInsertNode(RbTree* tree, void* data) {
     if (tree == nullptr || data == nullptr) return nullptr;
     auto* node = static_cast<RbNode*>(poolTake(&tree->nodes));
     if (node == nullptr) return nullptr;
-    const RbKey key = noteKey(tree, data);
+    noteKind(tree, data);
+    uint64_t order = 0;
     RbPlace place;
     if (hasKeys(tree)) {
+        order = tree->keys->orderOf(data);
         place = freePlace(tree, [&](const RbNode* at) {
-            const int order = compareByKey(tree, key.order, data, at);
-            if (order == 0) tree->unique = false;
-            return order;
+            const int found = compareByKey(tree, order, data, at);
+            if (found == 0) tree->unique = false;
+            return found;
         });
         if (!tree->unique) rbIndexDestroy(&tree->index);
     } else {
         place = freePlace(tree, [&](const RbNode* at) { return tree->compare(data, at->data); });
     }
-    insertAt(tree, place, node, data, key.order);
+    insertAt(tree, place, node, data, order);
     indexNewNode(tree, node);
     return node;
 }
@@ -356,14 +362,14 @@ void rbTreeClearPairs(RbTree* tree, DestroyFunction destroyKey, DestroyFunction 
 
 RbNode* rbTreeFindNode(const RbTree* tree, const void* key) {
     if (tree == nullptr || key == nullptr) return nullptr;
-    const RbKey known = hasKeys(tree) ? tree->keys->keyOf(key) : RbKey{0, kRbNoKind};
-    if (known.kind == kRbNoKind || known.kind != tree->kind)
+    if (!isOrdered(tree, key))
         return search(tree, [&](const RbNode* at) { return tree->compare(key, at->data); });
+    const RbKeys* keys = tree->keys;
     if (tree->index != nullptr)
-        return rbIndexFind(tree->index, tree->keys->hash(key), [&](const RbNode* at) {
-            return at->order == known.order && tree->compare(key, at->data) == 0;
-        });
-    return search(tree, [&](const RbNode* at) { return compareByKey(tree, known.order, key, at); });
+        return rbIndexFind(tree->index, keys->hashOf(key),
+                           [&](const RbNode* at) { return keys->equal(key, at->data); });
+    const uint64_t order = keys->orderOf(key);
+    return search(tree, [&](const RbNode* at) { return compareByKey(tree, order, key, at); });
 }
 
 void rbTreeForgetKeys(RbTree* tree) {
@@ -404,9 +410,9 @@ void rbTreeEraseNode(RbTree* tree, RbNode* node) {
     else
         spliced->parent->right = child;
 
-    if (tree->index != nullptr) rbIndexRemove(tree->index, node->hash, node);
+    if (tree->index != nullptr) rbIndexRemove(tree->index, node);
     if (spliced != node) {
-        if (tree->index != nullptr) rbIndexMove(tree->index, spliced->hash, spliced, node);
+        if (tree->index != nullptr) rbIndexMove(tree->index, spliced, node);
         node->data = spliced->data;
         node->order = spliced->order;
         node->hash = spliced->hash;
@@ -427,8 +433,7 @@ void rbTreeEraseNode(RbTree* tree, RbNode* node) {
 // needed to find it.
 RbNode* rbTreeReplaceNode(RbTree* tree, RbNode* node, void* data) {
     RbNode* nil = &tree->nil;
-    const RbKey key = hasKeys(tree) ? tree->keys->keyOf(data) : RbKey{0, kRbNoKind};
-    if (tree->count == 1 || !tree->unique || key.kind == kRbNoKind || key.kind != tree->kind) {
+    if (tree->count == 1 || !tree->unique || !isOrdered(tree, data)) {
         rbTreeEraseNode(tree, node);
         return rbTreeInsertNode(tree, data);
     }
@@ -440,15 +445,15 @@ RbNode* rbTreeReplaceNode(RbTree* tree, RbNode* node, void* data) {
     RbNode* before = predecessor(tree, node);
     RbNode* behind = twoChildren ? node : successor(tree, node);
     const uint32_t hash = node->hash;
+    const uint64_t order = node->order;
     rbTreeEraseNode(tree, node);
     auto* fresh = static_cast<RbNode*>(poolTake(&tree->nodes));
     if (fresh == nullptr) return nullptr;
     const bool isLeft = behind != nil && behind->left == nil;
     const RbPlace place = isLeft ? RbPlace{behind, &behind->left} : RbPlace{before, &before->right};
-    insertAt(tree, place, fresh, data, key.order);
+    insertAt(tree, place, fresh, data, order);
     fresh->hash = hash;
-    if (tree->index != nullptr && !rbIndexAdd(tree->index, hash, fresh))
-        rbIndexDestroy(&tree->index);
+    if (tree->index != nullptr && !rbIndexAdd(tree->index, fresh)) rbIndexDestroy(&tree->index);
     return fresh;
 }
 

@@ -20,18 +20,17 @@ enum RbKind : uint8_t {
 };
 
 // What a tree notes of an element beside its pointer, so that most comparisons
-// need not look at the element.
-struct RbKey {
-    uint64_t order;  // the lower one goes first; where they are equal the comparison decides
-    uint8_t kind;    // orders of different kinds say nothing about each other
-};
-
-// How keys are made. As long as all elements of a tree are of one kind the
-// comparison must put them in one order, and the keys must agree with it.
+// need not look at the element. As long as all elements of a tree are of one
+// kind the comparison must put them in one order, and the keys must agree with
+// it; keys of different kinds say nothing about each other.
 struct RbKeys {
-    RbKey (*keyOf)(const void* element);
-    // Equal for elements of one kind that compare equal.
-    uint32_t (*hash)(const void* element);
+    uint8_t (*kindOf)(const void* element);
+    // The lower one goes first; where they are equal the comparison decides.
+    uint64_t (*orderOf)(const void* element);
+    // Of elements of one kind: whether they compare equal, and a number that is
+    // equal then.
+    bool (*equal)(const void* left, const void* right);
+    uint32_t (*hashOf)(const void* element);
 };
 
 struct RbNode {
