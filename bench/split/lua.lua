@@ -8,4 +8,8 @@ for item in text:gmatch("([^;]*);") do
     n = n + 1
     items[n] = item
 end
-print(#text .. " " .. n .. " " .. items[777778])
+local total = 0
+for _, item in ipairs(items) do
+    total = total + #item
+end
+print(total .. " " .. #text .. " " .. n .. " " .. items[777778])

@@ -5,4 +5,8 @@ for my $i (1 .. 20) {
     $text .= $text;
 }
 my @items = split /;/, $text;
-print length($text), " ", scalar(@items), " ", $items[777777], "\n";
+my $total = 0;
+for my $item (@items) {
+    $total += length($item);
+}
+print $total, " ", length($text), " ", scalar(@items), " ", $items[777777], "\n";

@@ -5,7 +5,10 @@ def main():
     items = text.split(";")
     if items[-1] == "":
         items.pop()
-    print(len(text), len(items), items[777777])
+    total = 0
+    for item in items:
+        total += len(item)
+    print(total, len(text), len(items), items[777777])
 
 
 main()

@@ -7,6 +7,10 @@ proc main {} {
     if {[lindex $items end] eq ""} {
         set items [lrange $items 0 end-1]
     }
-    puts "[string length $text] [llength $items] [lindex $items 777777]"
+    set total 0
+    foreach item $items {
+        incr total [string length $item]
+    }
+    puts "$total [string length $text] [llength $items] [lindex $items 777777]"
 }
 main
