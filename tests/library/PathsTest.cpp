@@ -168,6 +168,7 @@ TEST_F(PathFiles, WhatIsThere) {
         {"", true, false, 0},
         {".", true, true, 0},
         {"./", true, true, 0},
+        {"/", true, true, 0},
         {"a.txt", true, false, 5},
         {"a.txt\\", true, false, 5},
         {".\\Sub.dir\\inner.txt", true, false, 0},

@@ -9,10 +9,15 @@
 namespace {
 
 // The path without one trailing separator, which stays where it is all there is.
-std::string_view systemText(const String* path) {
-    std::string_view text = stringView(path);
+std::string_view withoutSeparator(std::string_view text) {
     if (text.size() > 1 && pathIsSeparator(text.back())) text.remove_suffix(1);
     return text;
+}
+
+// As the system is asked: the root of a drive, too, is one by its separator.
+std::string_view systemText(const String* path) {
+    std::string_view text = stringView(path);
+    return text.size() == 3 && text[1] == ':' ? text : withoutSeparator(text);
 }
 
 // One look at the disk; the failure goes to the record.
@@ -64,7 +69,7 @@ bool pathFileExists(const String* path) {
 }
 
 bool pathDirectoryExists(const String* path) {
-    std::string_view text = systemText(path);
+    std::string_view text = withoutSeparator(stringView(path));
     if (text.empty() || text.back() != ':') return pathFileExists(path);
     pathClearError();
     OsFileInfo info;

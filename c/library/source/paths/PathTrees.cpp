@@ -39,6 +39,12 @@ bool namesNoEntry(std::string_view name) {
     return name.empty() || name == "." || name == ".." || name.back() == ':';
 }
 
+// A system may refuse to remove what a read-only directory holds. Where the mark
+// cannot be cleared, the removal tells.
+void makeRemovable(OsDirectory* directory) {
+    if (osEntryIsReadOnly(directory, ".")) osEntryClearReadOnly(directory, ".");
+}
+
 }  // namespace
 
 bool pathCopyTree(OpenDirectory source, OpenDirectory target, OsSync sync) {
@@ -55,10 +61,12 @@ bool pathCopyTree(OpenDirectory source, OpenDirectory target, OsSync sync) {
 
 bool pathRemoveTree(OpenDirectory top, bool force) {
     TreeWalk walk;
+    if (force) makeRemovable(top.get());
     if (!walk.start(top.release())) return false;
     TreeStep step;
     while (walk.next(&step)) {
         if (step.event == TreeEvent::End) return true;
+        if (step.event == TreeEvent::Enter && force) makeRemovable(step.entered);
         if (step.event == TreeEvent::Enter) continue;
         if (!pathRemoveEntry(step.directory, step.name, step.kind, force)) return false;
     }

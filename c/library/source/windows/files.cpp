@@ -52,6 +52,18 @@ int findFirst(std::string_view path, WIN32_FIND_DATAA* found) {
     return 0;
 }
 
+// "/" or "c:/", with either separator.
+bool isRoot(std::string_view path) {
+    const bool isShort = path.size() == 1 || (path.size() == 3 && path[1] == ':');
+    return isShort && (path.back() == '/' || path.back() == '\\');
+}
+
+// A root has no entry that a search would find: only its attributes are told.
+int rootAttributes(std::string_view path, DWORD* attributes) {
+    *attributes = GetFileAttributesA(AnsiPath(path).c_str());
+    return *attributes == INVALID_FILE_ATTRIBUTES ? static_cast<int>(GetLastError()) : 0;
+}
+
 // Calls a function of the system that fills a buffer and gives the length needed
 // when it is too small.
 template <typename Fill>
@@ -120,8 +132,9 @@ int osFileClose(OsFile file) {
 }
 
 int osFileInfo(std::string_view path, OsFileInfo* info) {
-    WIN32_FIND_DATAA found;
-    int error = findFirst(path, &found);
+    WIN32_FIND_DATAA found = {};
+    int error =
+        isRoot(path) ? rootAttributes(path, &found.dwFileAttributes) : findFirst(path, &found);
     if (error != 0) return error;
     *info = OsFileInfo();
     info->size = (static_cast<uint64_t>(found.nFileSizeHigh) << 32) | found.nFileSizeLow;
