@@ -42,7 +42,7 @@ class Evaluation {
     bool run(const ExprStep* from, EvalValue* stack, EvalValue* top);
 
   private:
-    bool slowStep(ExprStep* step, EvalValue*& top, EvalValue* result);
+    bool slowStep(ExprStep* step, EvalValue*& top);
     bool load(ExprOperand* operand, EvalValue*& top, EvalValue* value);
     bool loadBoth(ExprStep* step, EvalValue*& top, EvalValue* left, EvalValue* right);
     bool unary(const ExprStep& step, EvalValue right, EvalValue* result);
@@ -72,7 +72,10 @@ bool Evaluation::fail(const char* message) {
 // Takes an operand, and notes where it stands for the next time.
 bool Evaluation::load(ExprOperand* operand, EvalValue*& top, EvalValue* value) {
     if (operand->from == kFromStack) {
-        *value = *--top;
+        // Field by field, as they were stored: both at once would wait for both stores.
+        --top;
+        value->object = top->object;
+        value->number = top->number;
         return true;
     }
     value->object = scriptBlockSearchPlace(block_, &operand->place, nullptr);
@@ -273,20 +276,21 @@ bool Evaluation::unary(const ExprStep& step, EvalValue right, EvalValue* result)
     return good;
 }
 
-bool Evaluation::slowStep(ExprStep* step, EvalValue*& top, EvalValue* result) {
+// One step; its result is made where it belongs, on top of what is left.
+bool Evaluation::slowStep(ExprStep* step, EvalValue*& top) {
     EvalValue left;
     EvalValue right;
     switch (step->kind) {
         case kStepBinary:
         case kStepAssign:
-            return loadBoth(step, top, &left, &right) && binary(*step, left, right, result);
+            return loadBoth(step, top, &left, &right) && binary(*step, left, right, top);
         case kStepUnary:
-            return load(&step->right, top, &right) && unary(*step, right, result);
+            return load(&step->right, top, &right) && unary(*step, right, top);
         case kStepPush:
-            return load(&step->right, top, result);
+            return load(&step->right, top, top);
         case kStepClone:
             return load(&step->right, top, &right) &&
-                   (copyOf(right.object, true, result) ||
+                   (copyOf(right.object, true, top) ||
                     fail("scriptEngineEvaluate: Invalid expression"));
         default:
             return fail("scriptEngineEvaluate: Invalid expression");
@@ -295,12 +299,11 @@ bool Evaluation::slowStep(ExprStep* step, EvalValue*& top, EvalValue* result) {
 
 bool Evaluation::run(const ExprStep* from, EvalValue* stack, EvalValue* top) {
     for (const ExprStep* step = from; step != nullptr;) {
-        EvalValue result;
-        if (!slowStep(const_cast<ExprStep*>(step), top, &result)) {
+        if (!slowStep(const_cast<ExprStep*>(step), top)) {
             while (top != stack) drop(*--top);
             return false;
         }
-        *top++ = result;
+        ++top;
         step = step->isLast ? nullptr : scriptRunNumberSteps(step + 1, block_, &top);
     }
     return true;
