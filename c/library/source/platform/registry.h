@@ -7,7 +7,8 @@
 
 // The registry: a tree of keys under fixed roots, with typed values in each key.
 // Key names in a path are separated by `\`; an empty path is the root itself.
-// Names compare without regard to case. Every change is whole or not at all.
+// Names compare without regard to case. Every change is whole or not at all,
+// except where the system itself deletes a tree key by key.
 
 enum OsRegistryRoot : uint32_t {
     kOsClassesRoot = 0x80000000,
@@ -26,7 +27,12 @@ enum OsRegistryType : uint32_t {
     kOsRegMultiString = 7,
 };
 
-enum class OsRegistryResult { Done, NotFound, NoAccess, Failed, NoMemory };
+// Damaged: the file of the registry is not one, or not whole; it is left as it is.
+enum class OsRegistryResult { Done, NotFound, NoAccess, Failed, NoMemory, Damaged };
+
+// The file that holds a root, empty when the environment names no place for it.
+// False where the registry is no file.
+bool osRegistryFile(uint32_t root, std::string* path);
 
 // Reads a value with its type and its raw bytes.
 OsRegistryResult osRegistryGet(uint32_t root, std::string_view key, std::string_view value,
@@ -43,5 +49,5 @@ OsRegistryResult osRegistryDeleteValue(uint32_t root, std::string_view key, std:
 OsRegistryResult osRegistrySubKeys(uint32_t root, std::string_view key,
                                    std::vector<std::string>* names);
 
-// Deletes a key with all below it. A missing key is Failed.
+// Deletes a key with all below it. A root is Failed, with nothing deleted.
 OsRegistryResult osRegistryDeleteKey(uint32_t root, std::string_view key);

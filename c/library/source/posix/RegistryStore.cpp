@@ -13,10 +13,14 @@ constexpr char kUserFile[] = "/quorel/registry.db";
 // Another process holds the file for milliseconds; longer means that it hangs.
 constexpr int kBusyMilliseconds = 10000;
 
+// The file's mark, "qreg"; the second place is the text of the tables.
+constexpr int64_t kMark = 0x71726567;
+
 constexpr char kTables[] =
-    "CREATE TABLE IF NOT EXISTS keys (id INTEGER PRIMARY KEY, parent INTEGER NOT NULL,"
+    "PRAGMA application_id = 0x71726567;"
+    "CREATE TABLE keys (id INTEGER PRIMARY KEY, parent INTEGER NOT NULL,"
     " name TEXT NOT NULL COLLATE NOCASE, UNIQUE (parent, name));"
-    "CREATE TABLE IF NOT EXISTS entries (key INTEGER NOT NULL, name TEXT NOT NULL COLLATE NOCASE,"
+    "CREATE TABLE entries (key INTEGER NOT NULL, name TEXT NOT NULL COLLATE NOCASE,"
     " type INTEGER NOT NULL, data BLOB NOT NULL, PRIMARY KEY (key, name)) WITHOUT ROWID;";
 
 struct RootName {
@@ -60,13 +64,18 @@ std::string_view nextComponent(std::string_view* key) {
 
 }  // namespace
 
-std::string registryFile(uint32_t root) {
+bool osRegistryFile(uint32_t root, std::string* path) {
+    path->clear();
     std::string place;
-    if (environment("QUOREL_REGISTRY", &place)) return place;
-    if (root != kOsCurrentUser) return kMachineFile;
-    if (environment("XDG_DATA_HOME", &place) && place[0] == '/') return place + kUserFile;
-    if (environment("HOME", &place)) return place + "/.local/share" + kUserFile;
-    return {};
+    if (environment("QUOREL_REGISTRY", &place))
+        *path = place;
+    else if (root != kOsCurrentUser)
+        *path = kMachineFile;
+    else if (environment("XDG_DATA_HOME", &place) && place[0] == '/')
+        *path = place + kUserFile;
+    else if (environment("HOME", &place))
+        *path = place + "/.local/share" + kUserFile;
+    return true;
 }
 
 RegistryStatement& RegistryStatement::bind(int place, int64_t number) {
@@ -76,7 +85,7 @@ RegistryStatement& RegistryStatement::bind(int place, int64_t number) {
 
 RegistryStatement& RegistryStatement::bind(int place, std::string_view text) {
     const char* bytes = text.empty() ? "" : text.data();
-    sqlite3_bind_text(statement_, place, bytes, static_cast<int>(text.size()), SQLITE_STATIC);
+    sqlite3_bind_text64(statement_, place, bytes, text.size(), SQLITE_STATIC, SQLITE_UTF8);
     return *this;
 }
 
@@ -117,7 +126,7 @@ OsRegistryResult RegistryStore::openForReading(const std::string& path) {
         return absent ? OsRegistryResult::NotFound : OsRegistryResult::NoAccess;
     }
     bool same = database_ != nullptr && path == path_ && status.st_dev == device_ &&
-                status.st_ino == inode_;
+                status.st_ino == inode_ && status.st_mode == mode_;
     if (same) return OsRegistryResult::Done;
     if (!open(path, SQLITE_OPEN_READONLY)) {
         OsRegistryResult result = failure();
@@ -126,6 +135,7 @@ OsRegistryResult RegistryStore::openForReading(const std::string& path) {
     }
     device_ = status.st_dev;
     inode_ = status.st_ino;
+    mode_ = status.st_mode;
     return OsRegistryResult::Done;
 }
 
@@ -133,6 +143,10 @@ OsRegistryResult RegistryStore::openForWriting(const std::string& path) {
     if (path.empty()) return OsRegistryResult::Failed;
     makeDirectories(path);
     if (!open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)) return OsRegistryResult::Failed;
+    OsRegistryResult result = recognise();
+    if (result == OsRegistryResult::Damaged) return result;
+    if (result != OsRegistryResult::Done && result != OsRegistryResult::NotFound)
+        return OsRegistryResult::Failed;
     // A change that has been reported as done survives the loss of power.
     bool ready = run("PRAGMA journal_mode = DELETE") && run("PRAGMA synchronous = FULL");
     return ready ? OsRegistryResult::Done : OsRegistryResult::Failed;
@@ -140,6 +154,16 @@ OsRegistryResult RegistryStore::openForWriting(const std::string& path) {
 
 bool RegistryStore::run(const char* text) {
     return sqlite3_exec(database_, text, nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+OsRegistryResult RegistryStore::recognise() {
+    RegistryStatement mark(database_, "PRAGMA application_id");
+    if (mark.step() != SQLITE_ROW) return failure();
+    if (mark.number(0) == kMark) return OsRegistryResult::Done;
+    RegistryStatement content(database_, "SELECT count(*) FROM sqlite_master");
+    if (content.step() != SQLITE_ROW) return failure();
+    bool empty = mark.number(0) == 0 && content.number(0) == 0;
+    return empty ? OsRegistryResult::NotFound : OsRegistryResult::Damaged;
 }
 
 bool RegistryStore::makeTables() {
@@ -151,6 +175,10 @@ OsRegistryResult RegistryStore::failure() const {
     switch (sqlite3_errcode(database_) & 0xff) {
         case SQLITE_NOMEM:
             return OsRegistryResult::NoMemory;
+        case SQLITE_CORRUPT:
+        case SQLITE_NOTADB:
+        case SQLITE_ERROR:  // a statement does not fit the tables
+            return OsRegistryResult::Damaged;
         case SQLITE_PERM:
         case SQLITE_AUTH:
         case SQLITE_READONLY:

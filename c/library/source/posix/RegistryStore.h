@@ -11,10 +11,7 @@
 
 // The registry's file. It has two tables: `keys` (id, parent, name), where the
 // roots have the parent 0 and their own names, and `entries` (key, name, type,
-// data), where the data are the raw bytes of the value.
-
-// The file that holds a root; empty when the environment names no place for it.
-std::string registryFile(uint32_t root);
+// data), where the data are the raw bytes of the value. The file is marked as ours.
 
 // One statement; ends with its object. A failed preparation shows in `result`.
 class RegistryStatement {
@@ -51,10 +48,11 @@ class RegistryStore {
     ~RegistryStore() { close(); }
 
     // Opens for reading, or keeps the connection when it is still that of the
-    // file now at `path`. A missing file is NotFound.
+    // file now at `path`, with the rights it had. A missing file is NotFound.
     OsRegistryResult openForReading(const std::string& path);
 
-    // Opens for writing; makes the file and its directories.
+    // Opens for writing; makes the file and its directories. Another program's
+    // file is Damaged.
     OsRegistryResult openForWriting(const std::string& path);
 
     void close();
@@ -64,7 +62,10 @@ class RegistryStore {
     // Runs statements that give no rows.
     bool run(const char* text);
 
-    // Makes the tables where they are missing, as part of a change.
+    // Whether the file is a registry; NotFound when there is nothing in it yet.
+    OsRegistryResult recognise();
+
+    // Fills an empty file, as part of a change.
     bool makeTables();
 
     // What the last failure of the connection means to a reader.
@@ -86,6 +87,7 @@ class RegistryStore {
     std::string path_;
     dev_t device_ = 0;
     ino_t inode_ = 0;
+    mode_t mode_ = 0;
 };
 
 // One change or one consistent view; undone by its end unless committed.

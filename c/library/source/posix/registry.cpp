@@ -19,6 +19,12 @@ Readers& readers() {
     return all;
 }
 
+std::string fileOf(uint32_t root) {
+    std::string path;
+    osRegistryFile(root, &path);
+    return path;
+}
+
 // Opens a writer's connection for a moment, which undoes what a killed writer left.
 bool recover(const std::string& path) {
     RegistryStore store;
@@ -26,20 +32,11 @@ bool recover(const std::string& path) {
            store.run("SELECT count(*) FROM keys");
 }
 
-// A file that another process has made but not filled yet has no tables: an empty registry.
-bool hasTables(RegistryStore* store, bool* readable) {
-    RegistryStatement look(store->database(),
-                           "SELECT 1 FROM sqlite_master WHERE type = 'table' AND name = 'entries'");
-    int status = look.step();
-    *readable = status == SQLITE_ROW || status == SQLITE_DONE;
-    return status == SQLITE_ROW;
-}
-
 // Runs `read` on the root's file within one view. `read` takes the store and
 // gives a result.
 template <typename Read>
 OsRegistryResult reading(uint32_t root, const Read& read) {
-    std::string path = registryFile(root);
+    std::string path = fileOf(root);
     std::lock_guard<std::mutex> guard(readers().lock);
     RegistryStore& store = root == kOsCurrentUser ? readers().user : readers().machine;
     OsRegistryResult result = OsRegistryResult::Failed;
@@ -47,27 +44,34 @@ OsRegistryResult reading(uint32_t root, const Read& read) {
         result = store.openForReading(path);
         if (result != OsRegistryResult::Done) return result;
         RegistryTransaction view(&store, false);
-        bool readable = static_cast<bool>(view);
-        if (readable && hasTables(&store, &readable)) return read(&store);
-        if (readable) return OsRegistryResult::NotFound;
-        result = store.failure();
+        result = view ? store.recognise() : store.failure();
+        // A file that another process has made but not filled yet is an empty registry.
+        if (result == OsRegistryResult::NotFound) return result;
+        if (result == OsRegistryResult::Done) return read(&store);
         if (!store.needsRecovery() || !recover(path)) break;
     }
     store.close();
     return result;
 }
 
-// Runs `write` on the root's file as one change. Any failure counts as Failed.
+// Runs `write` on the root's file as one change.
 template <typename Write>
 OsRegistryResult writing(uint32_t root, const Write& write) {
     RegistryStore store;
-    OsRegistryResult result = store.openForWriting(registryFile(root));
+    OsRegistryResult result = store.openForWriting(fileOf(root));
     if (result != OsRegistryResult::Done) return result;
     RegistryTransaction change(&store, true);
-    if (!change || !store.makeTables()) return OsRegistryResult::Failed;
+    if (!change) return OsRegistryResult::Failed;
+    // Another process may have filled it meanwhile.
+    result = store.recognise();
+    bool ready = result == OsRegistryResult::Done ||
+                 (result == OsRegistryResult::NotFound && store.makeTables());
+    if (!ready) return OsRegistryResult::Failed;
     result = write(&store);
-    if (result != OsRegistryResult::Done) return result;
-    return change.commit() ? OsRegistryResult::Done : OsRegistryResult::Failed;
+    if (result == OsRegistryResult::Done && change.commit()) return result;
+    if (result == OsRegistryResult::NotFound) return result;
+    return store.failure() == OsRegistryResult::Damaged ? OsRegistryResult::Damaged
+                                                        : OsRegistryResult::Failed;
 }
 
 // A path of the registry does not begin with its separator.
@@ -78,7 +82,7 @@ bool isBadKey(std::string_view key) {
 bool fileIsMissing(uint32_t root) {
     std::lock_guard<std::mutex> guard(readers().lock);
     RegistryStore probe;
-    return probe.openForReading(registryFile(root)) == OsRegistryResult::NotFound;
+    return probe.openForReading(fileOf(root)) == OsRegistryResult::NotFound;
 }
 
 OsRegistryResult deleteTree(RegistryStore* store, int64_t id) {
@@ -170,11 +174,14 @@ OsRegistryResult osRegistrySubKeys(uint32_t root, std::string_view key,
 OsRegistryResult osRegistryDeleteKey(uint32_t root, std::string_view key) {
     // A root is not a key that could go.
     bool isRoot = key.find_first_not_of('\\') == std::string_view::npos;
-    if (isRoot || isBadKey(key) || fileIsMissing(root)) return OsRegistryResult::Failed;
+    if (isRoot || isBadKey(key)) return OsRegistryResult::Failed;
+    int64_t id;
+    // What may not be read is told apart from what may not be written.
+    OsRegistryResult found =
+        reading(root, [&](RegistryStore* store) { return store->findKey(root, key, &id); });
+    if (found != OsRegistryResult::Done) return found;
     return writing(root, [&](RegistryStore* store) {
-        int64_t id;
         OsRegistryResult result = store->findKey(root, key, &id);
-        if (result != OsRegistryResult::Done) return OsRegistryResult::Failed;
-        return deleteTree(store, id);
+        return result == OsRegistryResult::Done ? deleteTree(store, id) : result;
     });
 }

@@ -2,7 +2,10 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "containers/List.h"
+#include "logger/Logger.h"
 #include "platform/registry.h"
 #include "strings/String.h"
 
@@ -20,7 +23,14 @@ constexpr RootName kRootNames[] = {
     {"HKEY_PERFORMANCE_DATA", kOsPerformanceData}, {"HKEY_CURRENT_CONFIG", kOsCurrentConfig},
 };
 
-RegResult readingResult(OsRegistryResult result) {
+void reportDamage(uint32_t root) {
+    std::string path;
+    osRegistryFile(root, &path);
+    const Owned<Logger> logger(logCreate());
+    logError(logger.get(), "The registry \"%S\" is damaged, or the file of another program", path);
+}
+
+RegResult readingResult(uint32_t root, OsRegistryResult result) {
     switch (result) {
         case OsRegistryResult::Done:
             return RegResult::Done;
@@ -30,10 +40,18 @@ RegResult readingResult(OsRegistryResult result) {
             return RegResult::NoAccess;
         case OsRegistryResult::NoMemory:
             return RegResult::NoMemory;
+        case OsRegistryResult::Damaged:
+            reportDamage(root);
+            break;
         case OsRegistryResult::Failed:
             break;
     }
     return RegResult::Failed;
+}
+
+RegResult writingResult(uint32_t root, OsRegistryResult result) {
+    if (result == OsRegistryResult::Damaged) reportDamage(root);
+    return result == OsRegistryResult::Done ? RegResult::Done : RegResult::Failed;
 }
 
 bool isText(uint32_t type) {
@@ -46,7 +64,7 @@ RegResult getText(uint32_t root, std::string_view key, std::string_view value, S
     uint32_t type = 0;
     std::string data;
     OsRegistryResult read = osRegistryGet(root, key, value, &type, &data);
-    if (read != OsRegistryResult::Done) return readingResult(read);
+    if (read != OsRegistryResult::Done) return readingResult(root, read);
     if (!isText(type)) return RegResult::OtherType;
     size_t last = data.find_last_not_of('\0');
     std::string_view text = std::string_view(data).substr(0, last + 1);
@@ -59,7 +77,7 @@ RegResult getNumber(uint32_t root, std::string_view key, std::string_view value,
     uint32_t type = 0;
     std::string data;
     OsRegistryResult read = osRegistryGet(root, key, value, &type, &data);
-    if (read != OsRegistryResult::Done) return readingResult(read);
+    if (read != OsRegistryResult::Done) return readingResult(root, read);
     if (type != kOsRegNumber || data.size() != sizeof *out) return RegResult::OtherType;
     // The lowest byte stands first in the registry.
     *out = 0;
@@ -104,8 +122,7 @@ RegResult regSetValue(uint32_t root, const String* key, const String* value, uin
                       const void* data, uint32_t size) {
     if (value == nullptr || (data == nullptr && size > 0)) return RegResult::Arguments;
     std::string_view bytes(static_cast<const char*>(data), size);
-    OsRegistryResult result = osRegistrySet(root, nameOf(key), nameOf(value), type, bytes);
-    return result == OsRegistryResult::Done ? RegResult::Done : RegResult::Failed;
+    return writingResult(root, osRegistrySet(root, nameOf(key), nameOf(value), type, bytes));
 }
 
 RegResult regSetString(uint32_t root, const String* key, const String* value,
@@ -121,6 +138,30 @@ RegResult regSetNumber(uint32_t root, const String* key, const String* value, ui
         number >>= 8;
     }
     return regSetValue(root, key, value, kOsRegNumber, bytes, sizeof bytes);
+}
+
+RegResult regDeleteValue(uint32_t root, const String* key, const String* value) {
+    if (value == nullptr) return RegResult::Arguments;
+    OsRegistryResult result = osRegistryDeleteValue(root, nameOf(key), nameOf(value));
+    return result == OsRegistryResult::NotFound ? RegResult::Done : writingResult(root, result);
+}
+
+RegResult regGetSubKeys(uint32_t root, const String* key, List* out) {
+    if (out == nullptr) return RegResult::Arguments;
+    std::vector<std::string> names;
+    OsRegistryResult result = osRegistrySubKeys(root, nameOf(key), &names);
+    if (result == OsRegistryResult::NoMemory) return RegResult::Failed;
+    if (result != OsRegistryResult::Done) return readingResult(root, result);
+    for (const std::string& name : names) {
+        Owned<String> copy(stringFromView(name));
+        if (!copy || !listPushBack(out, copy.get())) return RegResult::Failed;
+        copy.release();
+    }
+    return RegResult::Done;
+}
+
+RegResult regDeleteKey(uint32_t root, const String* key) {
+    return readingResult(root, osRegistryDeleteKey(root, nameOf(key)));
 }
 
 RegResult getConfigString(const char* subKey, const char* value, String* out) {

@@ -2,11 +2,12 @@
 
 #include <cstdint>
 
+struct List;
 struct String;
 
 // Reading and writing the registry. Roots are the system's numbers, as
 // `regRootFromName` gives them. A null or empty key means the root itself. The
-// functions do not log.
+// functions do not log, except that the registry's file is damaged or none.
 
 enum class RegResult : int {
     Done = 0,
@@ -38,6 +39,17 @@ RegResult regSetValue(uint32_t root, const String* key, const String* value, uin
 // Writes a text of as many bytes as the String has, with no terminator.
 RegResult regSetString(uint32_t root, const String* key, const String* value, const String* string);
 RegResult regSetNumber(uint32_t root, const String* key, const String* value, uint32_t number);
+
+// Deletes a value. A key that does not exist counts as done; a value that does
+// not is Failed.
+RegResult regDeleteValue(uint32_t root, const String* key, const String* value);
+
+// Adds the names of the keys directly below a key to the list, in the registry's
+// order, as new Strings of the caller's.
+RegResult regGetSubKeys(uint32_t root, const String* key, List* out);
+
+// Deletes a key with all below it. A root stays, with all it holds: Failed.
+RegResult regDeleteKey(uint32_t root, const String* key);
 
 // The product's own settings: the values of "SOFTWARE\Quorel\version6\" with
 // `subKey` (may be null) behind it, under the local machine's root.

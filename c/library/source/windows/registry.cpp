@@ -55,6 +55,10 @@ OsRegistryResult openKey(uint32_t root, std::string_view key, REGSAM access, Ope
 
 }  // namespace
 
+bool osRegistryFile(uint32_t, std::string*) {
+    return false;
+}
+
 OsRegistryResult osRegistryGet(uint32_t root, std::string_view key, std::string_view value,
                                uint32_t* type, std::string* data) {
     OpenKey opened;
@@ -133,7 +137,7 @@ OsRegistryResult osRegistryDeleteKey(uint32_t root, std::string_view key) {
     if (key.find_first_not_of('\\') == std::string_view::npos) return OsRegistryResult::Failed;
     std::vector<std::string> below;
     OsRegistryResult result = osRegistrySubKeys(root, key, &below);
-    if (result != OsRegistryResult::Done) return OsRegistryResult::Failed;
+    if (result != OsRegistryResult::Done) return result;
     std::string name(key);
     for (const std::string& child : below) {
         result = osRegistryDeleteKey(root, name + "\\" + child);
