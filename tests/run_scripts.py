@@ -233,6 +233,7 @@ class Runner:
                    "LC_ALL": "C.UTF-8", "TZ": "UTC"}
         result["PATH"] = f"{self.program.parent}:/usr/local/bin:/usr/bin:/bin:/usr/sbin:/sbin"
         result["QUOREL_REGISTRY"] = str(folder / "registry.db")
+        result["QUOREL_LOCKS"] = str(folder / "locks")
         if self.arguments.system == "windows":
             result["WINEPATH"] = self.path_for_program(self.program.parent)
             result["HOME"] = os.environ.get("HOME", "/root")

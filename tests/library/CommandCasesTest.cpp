@@ -336,6 +336,67 @@ strpatternmatch "ABC" "a*"; OK; strpatternmatch "ABC" "a*" 0; OK; strpatternmatc
           kResults);
 }
 
+// In a key of their own, which the last case deletes. Where the registry is the
+// system's it is the same for all tests.
+TEST_F(CommandCases, Registry) {
+    check(
+        casesOf(R"(
+delregkey k a; eval ( a = "kept" ); eval ( b = "old" );
+  getreg k "v" "str" b a; OK; show ( a . "," . b . ok ) -> not found,old0
+setreg ( k . "\\Deep\\Key" ) "Name" "str" "a \xff" a; OK;
+  getreg ( k . "\\dEEP\\kEY\\" ) "NAME" "str" v a; OK; show ( v . a . ok ) -> a \xff11
+setreg k "n" "num" 2.5 a; getreg k "N" "num" b a; show ( b . "" ); setreg k "n" "num" -0.5 a;
+  getreg k "n" "num" b a; show ( b . "" ); getreg k "none" "num" v a; OK; show ( v . a . ok ) -> 3 |
+  4294967295 | 0not found0
+getreg k "n" "str" b b ->
+getreg k "n" "number" b a -> @GetReg: Invalid type "number"
+getreg k "n" 1 b a -> Parameter 3 must be a "string"
+setreg k "n" "num" "1" a -> @SetReg: Fourth parameter must be a number
+setreg k "n" "str" 1 a -> @SetReg: Fourth parameter must be a string
+setreg k "n" "STR" 1 a -> @SetReg: Invalid type "STR"
+getreg "HKEY_NONE\\x" "n" "num" n a; OK; show ( a . ok ); getreg "HKEY_CURRENT_USER" "no such" "num"
+  n a; OK; show ( a . ok ) -> not found0 | not found00
+setreg ( k . "\\T\\8\\x" ) "v" "num" 1 a; setreg ( k . "\\T\\10\\x" ) "v" "num" 1 a; eval ( a = "" );
+  vecappend w "first"; getregsubkeys ( k . "\\T" ) w a; getregsubkeys k l a; getregsubkeys k s a; OK;
+  show ( w . " " . l . " " . s . a . ok ) -> first;10;8 Deep;T Deep;T1
+getregsubkeys ( k . "\\U" ) l a; OK; show ( a . ok ) -> not found0
+getregsubkeys k m a -> @GetRegSubKeys: Second parameter must be a vector, a list or a set
+getregsubkeys k q a -> @GetRegSubKeys: Second parameter must be a vector, a list or a set
+delregkey ( k . "\\T\\8" ) a; OK; getreg ( k . "\\T\\8\\x" ) "v" "num" n a; OK; show ( a . ok );
+  delregkey ( k . "\\T\\8" ) a; OK; show ( a . ok ) -> not found10 | not found100
+eval ( a = "kept" ); delregvalue k "n" a; OK; delregvalue ( k . "\\U" ) "n" a; OK; show ( a . ok );
+  getreg k "n" "num" n a; OK; show ( a . ok ) -> kept11 | not found110
+delregvalue k "n" a ->
+setglobreg "CommandCases s" "x"; OK; setglobreg "CommandCases n" 41.5; OK; OK;
+  getglobreg "CommandCases s" a; OK; getglobreg "CommandCases n" n; OK; show ( a . n . ok ) -> x4211111
+getglobreg "CommandCases s" n; OK; delglobreg "CommandCases s"; OK; getglobreg "CommandCases s" a; OK;
+  delglobreg "CommandCases s"; OK; delglobreg "CommandCases n"; OK; show ( ok . "" ) -> 01001
+getglobreg "x" l -> @GetReg: Can only get strings and numbers - argument 2 is neither
+setglobreg "x" l -> @GetReg: Can only set strings and numbers - argument 2 is neither
+setglobalfile 1 -> Parameter 1 must be a "string"
+setglobalfile "x" ->
+getglobal "x" a b ->
+delregkey k a; OK; delregkey k a; OK; show ( a . ok );
+  delregkey "HKEY_LOCAL_MACHINE\\SOFTWARE\\Quorel\\GlobReg" a; OK; show ( ok . "" ) -> not found10 | 101
+)"),
+        kResults + std::string("eval ( k = \"HKEY_CURRENT_USER\\\\Software\\\\CommandCases\" )\n"));
+}
+
+TEST_F(CommandCases, EnvironmentAndLocks) {
+    check(casesOf(R"(
+eval ( a = "old" ); getenv "COMMAND_CASES" a; OK; show ( a . ok ); setenv "COMMAND_CASES" "a = b"; OK;
+  getenv "COMMAND_CASES" v; OK; show ( v . ok ); setenv "COMMAND_CASES" 8080; getenv "COMMAND_CASES" a;
+  setenv "" "x"; OK; setenv "a=b" "x"; OK; show ( a . ok ) -> old0 | a = b011 | 808001100
+setenv "x" t -> Parameter 2 must be a "string"
+setlock ""; OK; setlock "CommandCases"; OK; setlock "CommandCases"; OK;
+  setlock "CommandCases" "Wait"; OK; setlock "CommandCases" "wait"; OK; show ( ok . "" ) -> 01001
+setlock "CommandCases" "wait"; OK; removelock "CommandCases"; OK; removelock "CommandCases"; OK;
+  removelock "CommandCases"; OK; removelock "CommandCases"; OK; show ( ok . "" ) -> 11110
+setlock "CommandCases" 1 -> Parameter 2 must be a "string"
+)"),
+          kResults);
+}
+
 TEST_F(CommandCases, Times) {
     check(casesOf(R"(
 gmtime 0 m; show ( m . "" ); mapclear m; gmtime 951782400.9 m; show ( m . "" ) ->

@@ -53,6 +53,7 @@ class ScriptCases : public testing::Test {
   protected:
     static void SetUpTestSuite() {
         osSetEnvironment("QUOREL_REGISTRY", "ScriptCases.db");
+        osSetEnvironment("QUOREL_LOCKS", "ScriptCases.locks");
         logMessagesInit();
         logAddGlobalListener(&heard, hear, &kLevel);
     }

@@ -26,6 +26,16 @@ plaincast_test(ListTest containers)
 plaincast_test(LockTest containers)
 plaincast_test(LogMessagesTest logmessages)
 plaincast_test(LoggerTest logger)
+if(WIN32)
+    # Locks are files on the other system only.
+    list(APPEND PLAINCAST_LISTED_TESTS NamedLockFolderTest.cpp)
+else()
+    plaincast_test(NamedLockFolderTest threads)
+endif()
+plaincast_test(NamedLockTest threads)
+target_compile_definitions(NamedLockTest PRIVATE
+    PLAINCAST_PROGRAM="$<TARGET_FILE:quorel_plaincast>")
+add_dependencies(NamedLockTest quorel_plaincast)
 plaincast_test(PathOperationsTest paths)
 plaincast_test(PathTreeTest pathtree)
 if(WIN32)
@@ -43,6 +53,14 @@ plaincast_test(PlainCastTest strings)
 plaincast_test(PoolTest containers)
 plaincast_test(RbTreeTest containers)
 plaincast_test(RecordDiffTest text)
+if(WIN32)
+    # The registry is a file on the other system only.
+    list(APPEND PLAINCAST_LISTED_TESTS RegistryStoreTest.cpp)
+else()
+    add_test(NAME RegistryProcesses COMMAND ${PROJECT_SOURCE_DIR}/tests/soak/registry
+        $<TARGET_FILE:quorel_plaincast> 4)  # seconds; the soak test takes longer
+    plaincast_test(RegistryStoreTest ScriptEngine3 logmessages)
+endif()
 plaincast_test(RegistryTest registry)
 plaincast_test(ScriptBlockTest ScriptEngine3)
 plaincast_test(ScriptMessagesTest ScriptEngine3 logmessages)
@@ -86,5 +104,5 @@ set_tests_properties(ShellObjectsTest PROPERTIES WORKING_DIRECTORY ${shellobj_fo
 # Under Windows the registry is one for all tests: those that write settings or need
 # them absent run one after the other.
 set_tests_properties(BuiltInVariablesTest CommandCasesTest LanguageCasesTest LogMessagesTest
-    PathsTest PlainCastTest RegistryTest ScriptMessagesTest SystemInfoTest
+    NamedLockTest PathsTest PlainCastTest RegistryTest ScriptMessagesTest SystemInfoTest
     PROPERTIES RESOURCE_LOCK registry)

@@ -1,6 +1,7 @@
 #include "ScriptEngine3Defs/ScriptEngineRecord.h"
 
 #include "strings/StringCompare.h"
+#include "threads/NamedLock.h"
 
 namespace {
 
@@ -62,7 +63,7 @@ void scriptEngineRecordDestroy(ScriptEngine** engine) {
     mapDestroy(&record->connectionQueues);
     lockDestroy(&record->connectionLock);
     lockDestroy(&record->lockTableLock);
-    mapDestroy(&record->locks);
+    mapDestroyWith(&record->locks, nullptr, namedLockDestroyElement);
     logDestroy(&record->logger);
     memDelete(engine);
 }

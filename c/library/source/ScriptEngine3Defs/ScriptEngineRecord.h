@@ -68,7 +68,7 @@ struct ScriptEngine {
     Map* listeners;
     Map* connectionQueues;
     Lock* connectionLock;
-    Map* locks;
+    Map* locks;  // names to `NamedLock`s, whose own the names are
     Lock* lockTableLock;
     GrowArray<ScriptBlock*> stack;  // running instances, innermost last
     // `returnPending` and its three companions as bits: each statement asks for

@@ -6,6 +6,7 @@
 #include "ScriptEngine3Defs/ScriptEngineRecord.h"
 #include "ScriptEngine3Functions/ConfigCommands.h"
 #include "ScriptEngine3Functions/ConsoleCommands.h"
+#include "ScriptEngine3Functions/EnvironmentCommands.h"
 
 namespace {
 
@@ -25,11 +26,6 @@ int missing(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
     return scriptEngineMissingCommand(engine, kName.text);
 }
 
-constexpr CommandRow kLockCommands[] = {
-    {"setlock", missing<"setlock">, 1, 2, nullptr},
-    {"removelock", missing<"removelock">, 1, 1, nullptr},
-};
-
 constexpr CommandRow kProcessCommands[] = {
     {"exec", missing<"exec">, 5, 6, "4,5", kInBlock, false, kSigned},
     {"pipeexec", missing<"pipeexec">, 7, 7, "4-7", kInBlock, false, kSigned},
@@ -45,24 +41,9 @@ constexpr CommandRow kProcessCommands[] = {
     {"checksignals", scriptEngineCheckSignals, 1, 1, nullptr},
 };
 
-constexpr CommandRow kRegistryCommands[] = {
-    {"getreg", missing<"getreg">, 5, 5, "4,5"},
-    {"setreg", missing<"setreg">, 5, 5, "5", kInBlock, false, kSigned},
-    {"delregvalue", missing<"delregvalue">, 3, 3, "3", kInBlock, false, kSigned},
-    {"delregkey", missing<"delregkey">, 2, 2, "2", kInBlock, false, kSigned},
-    {"getregsubkeys", missing<"getregsubkeys">, 3, 3, "2,3"},
-    {"setglobalfile", missing<"setglobalfile">, 1, 1, nullptr, kInBlock, false, kSigned},
-    {"getglobal", missing<"getglobal">, 3, 3, "2,3"},
-    {"setglobal", missing<"setglobal">, 3, 3, "3", kInBlock, false, kSigned},
-    {"delglobal", missing<"delglobal">, 2, 2, "2", kInBlock, false, kSigned},
-    {"getglobreg", missing<"getglobreg">, 2, 2, "2"},
-    {"setglobreg", missing<"setglobreg">, 2, 2, nullptr, kInBlock, false, kSigned},
-    {"delglobreg", missing<"delglobreg">, 1, 1, nullptr, kInBlock, false, kSigned},
-};
-
 constexpr CommandRow kSystemCommands[] = {
-    {"getenv", missing<"getenv">, 2, 2, "2"},
-    {"setenv", missing<"setenv">, 2, 2, nullptr},
+    {"getenv", scriptEngineGetEnv, 2, 2, "2"},
+    {"setenv", scriptEngineSetEnv, 2, 2, nullptr},
     {"confpatch", scriptEngineConfPatch, 3, 3, nullptr, kInBlock, false, kSigned},
     {"service", missing<"service">, 3, 3, "3", kInBlock, false, kSigned},
 };
@@ -94,14 +75,8 @@ int scriptEngineMissingCommand(ScriptEngine* engine, const char* name) {
     return kError;
 }
 
-std::span<const CommandRow> lockCommands() {
-    return kLockCommands;
-}
 std::span<const CommandRow> processCommands() {
     return kProcessCommands;
-}
-std::span<const CommandRow> registryCommands() {
-    return kRegistryCommands;
 }
 std::span<const CommandRow> systemCommands() {
     return kSystemCommands;

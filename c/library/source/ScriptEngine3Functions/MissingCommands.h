@@ -10,8 +10,6 @@
 // Logs that the command is missing from this build; gives the status for it.
 int scriptEngineMissingCommand(ScriptEngine* engine, const char* name);
 
-std::span<const CommandRow> lockCommands();
 std::span<const CommandRow> processCommands();
-std::span<const CommandRow> registryCommands();
 std::span<const CommandRow> systemCommands();
 std::span<const CommandRow> networkCommands();
