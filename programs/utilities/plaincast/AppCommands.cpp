@@ -1,7 +1,7 @@
 #include "AppCommands.h"
 
+#include "ProcessWait.h"
 #include "ScriptEngine3Defs/Arguments.h"
-#include "ScriptEngine3Functions/MissingCommands.h"
 #include "strings/StringNumbers.h"
 
 Time runUntil = 0;
@@ -19,11 +19,6 @@ int scriptSetPeriod(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, 
     if (!in.ok()) return in.status();
     runUntilSet(numberToInt32(seconds));
     return kDone;
-}
-
-int scriptProcessWaitQuit(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
-    if (engine == nullptr || block == nullptr || args == nullptr) return kInvalidCall;
-    return scriptEngineMissingCommand(engine, "processwaitquit");
 }
 
 constexpr CommandRow kApplicationCommands[] = {

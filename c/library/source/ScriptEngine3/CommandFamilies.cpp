@@ -14,6 +14,7 @@
 #include "ScriptEngine3Functions/MissingCommands.h"
 #include "ScriptEngine3Functions/ParserCommands.h"
 #include "ScriptEngine3Functions/PathCommands.h"
+#include "ScriptEngine3Functions/ProcessCommands.h"
 #include "ScriptEngine3Functions/RecordCommands.h"
 #include "ScriptEngine3Functions/RegistryCommands.h"
 #include "ScriptEngine3Functions/SetCommands.h"

@@ -5,7 +5,6 @@
 
 #include "ScriptEngine3Defs/ScriptEngineRecord.h"
 #include "ScriptEngine3Functions/ConfigCommands.h"
-#include "ScriptEngine3Functions/ConsoleCommands.h"
 #include "ScriptEngine3Functions/EnvironmentCommands.h"
 
 namespace {
@@ -25,21 +24,6 @@ int missing(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
     if (engine == nullptr || block == nullptr || args == nullptr) return kInvalidCall;
     return scriptEngineMissingCommand(engine, kName.text);
 }
-
-constexpr CommandRow kProcessCommands[] = {
-    {"exec", missing<"exec">, 5, 6, "4,5", kInBlock, false, kSigned},
-    {"pipeexec", missing<"pipeexec">, 7, 7, "4-7", kInBlock, false, kSigned},
-    {"spawn", missing<"spawn">, 3, 5, "3,4,5", kInBlock, false, kSigned},
-    {"stop", missing<"stop">, 2, 2, nullptr, kInBlock, false, kSigned},
-    {"kill", missing<"kill">, 1, 1, nullptr, kInBlock, false, kSigned},
-    {"isrunning", missing<"isrunning">, 1, 1, nullptr},
-    {"system", missing<"system">, 1, 2, "2", kInBlock, false, kSigned},
-    {"getrunningprocesses", missing<"getrunningprocesses">, 1, 1, "1"},
-    {"getprocessinfo", missing<"getprocessinfo">, 2, 2, "2"},
-    {"getprocessinstances", missing<"getprocessinstances">, 3, 3, "3"},
-    {"getpid", missing<"getpid">, 1, 1, nullptr},
-    {"checksignals", scriptEngineCheckSignals, 1, 1, nullptr},
-};
 
 constexpr CommandRow kSystemCommands[] = {
     {"getenv", scriptEngineGetEnv, 2, 2, "2"},
@@ -75,9 +59,6 @@ int scriptEngineMissingCommand(ScriptEngine* engine, const char* name) {
     return kError;
 }
 
-std::span<const CommandRow> processCommands() {
-    return kProcessCommands;
-}
 std::span<const CommandRow> systemCommands() {
     return kSystemCommands;
 }

@@ -7,6 +7,7 @@
 
 #include "platform/machine.h"
 #include "posix/TextFile.h"
+#include "posix/UserName.h"
 
 namespace {
 
@@ -28,9 +29,13 @@ void addOnce(std::vector<std::string>* names, const char* name) {
 }  // namespace
 
 bool osUserName(std::string* name) {
+    return posixUserName(geteuid(), name);
+}
+
+bool posixUserName(uid_t wanted, std::string* name) {
     // The local list answers for nearly everyone, in a fraction of the time that
     // the C library's switch takes to load.
-    std::string id = std::to_string(geteuid());
+    std::string id = std::to_string(wanted);
     TextFile file("/etc/passwd");
     std::string_view line;
     while (file.nextLine(&line)) {
@@ -40,7 +45,7 @@ bool osUserName(std::string* name) {
         *name = user;
         return true;
     }
-    const passwd* entry = getpwuid(geteuid());
+    const passwd* entry = getpwuid(wanted);
     if (entry == nullptr) return false;
     *name = entry->pw_name;
     return true;

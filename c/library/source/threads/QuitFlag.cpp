@@ -12,13 +12,12 @@ constexpr uint32_t kStep = 50;
 
 std::atomic<bool> quitFlag{false};
 
-// Lives as long as the process: a wait may be under way until the very end.
+}  // namespace
+
 OsEvent* quitEvent() {
     static OsEvent* const event = osEventCreate();
     return event;
 }
-
-}  // namespace
 
 bool quitFlagIsSet() {
     return quitFlag.load(std::memory_order_acquire);

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+struct OsEvent;
+
 // The process-wide flag that says that the program ends. Every waiting loop
 // looks at it, without a lock.
 
@@ -10,6 +12,10 @@ bool quitFlagIsSet();
 
 // Sets the flag and ends every wait of `sleepInterruptible`, now and later.
 void quitFlagSet();
+
+// The event that the flag raises, for waits that have more to wait for. Lives as
+// long as the process: a wait may be under way until the very end.
+OsEvent* quitEvent();
 
 // For tests: as if the program had just started.
 void quitFlagReset();

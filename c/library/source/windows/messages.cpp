@@ -5,6 +5,7 @@
 #include <new>
 
 #include "platform/clock.h"
+#include "windows/WaitEvent.h"
 
 struct OsEvent {
     HANDLE handle;
@@ -67,4 +68,8 @@ OsWake osWaitForEvent(OsEvent* event, uint32_t milliseconds) {
         SwitchToThread();
     }
     return OsWake::Timeout;
+}
+
+HANDLE windowsEventHandle(const OsEvent* event) {
+    return event == nullptr ? nullptr : event->handle;
 }
