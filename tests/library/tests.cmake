@@ -51,6 +51,8 @@ plaincast_test(PathsTest paths)
 plaincast_test(PatternMatchTest strings)
 plaincast_test(PlainCastTest strings)
 plaincast_test(PoolTest containers)
+plaincast_test(ProcessTest processes)
+add_dependencies(ProcessTest quorel_testchild)
 plaincast_test(RbTreeTest containers)
 plaincast_test(RecordDiffTest text)
 if(WIN32)
@@ -90,6 +92,8 @@ plaincast_test(VectorTest containers)
 plaincast_test(ZFileTest files)
 configure_file(${PROJECT_SOURCE_DIR}/programs/utilities/plaincast/logmsg.conf
     ${CMAKE_CURRENT_BINARY_DIR}/logmsg.conf COPYONLY)  # LogMessagesTest reads it
+target_compile_definitions(ProcessTest PRIVATE
+    PLAINCAST_CHILD="${CMAKE_BINARY_DIR}/quorel_testchild${CMAKE_EXECUTABLE_SUFFIX}")
 target_compile_definitions(PlainCastTest PRIVATE
     PLAINCAST_PROGRAM="$<TARGET_FILE:quorel_plaincast>")
 add_dependencies(PlainCastTest quorel_plaincast)
