@@ -1,0 +1,5 @@
+sum=0
+for ((i = 0; i < 300; i++)); do
+    /bin/true && ((sum += 1))
+done
+echo $sum
