@@ -41,13 +41,14 @@ void flood(const std::string& name, uint64_t bytes) {
     print(name, block.substr(0, bytes));
 }
 
-bool leave(const char* self, const std::string& milliseconds) {
+void leave(const char* self, const std::string& milliseconds) {
     const std::string line = std::string("\"") + self + "\" sleep " + milliseconds;
     OsProcessStart start;
     start.commandLine = line;
     OsProcess* process = nullptr;
     OsStartStep step;
-    return osProcessStart(start, &process, &step) == 0;
+    osProcessStart(start, &process, &step);
+    osProcessClose(&process);
 }
 
 void closeOutputs() {

@@ -36,6 +36,11 @@ maketime m n -> @MakeTime: Out of memory
 maketime m m -> @MakeTime: Out of memory
 gettick s -> Parameter 1 must be a "number"
 parserdiff a s s w -> @ParserDiff: Out of memory
+getrunningprocesses m -> @GetRunningProcesses: First parameter must be a vector, a list or a set
+getprocessinstances s s m
+  -> @GetProcessInstances: First parameter must be a vector, a list or a set
+exec s s 0 n s u -> @Exec: Failed to get boolean value of sixth parameter
+kill s -> Parameter 1 must be a "number"
 recdiff w l w -> Parameter 2 must be a "vector"
 strdiff "a" "b" "lines=1" w
   -> @StrDiff: Failed to run diff (check that the rules are properly formatted)

@@ -135,8 +135,9 @@ int scriptProcessWaitQuit(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* 
         if (quitFlagIsSet()) return kDone;
     }
     if (vectorSize(found.get()) == 0)
-        logDebug(engine->logger, "PlainCast::scriptProcessWaitQuit: End of wait period, got no "
-                                 "matching processes (success)");
+        logDebug(engine->logger,
+                 "PlainCast::scriptProcessWaitQuit: End of wait period, got no "
+                 "matching processes (success)");
     else
         wait.end(found.get());
     return kDone;

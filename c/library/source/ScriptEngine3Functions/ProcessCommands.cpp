@@ -25,12 +25,8 @@ struct Outcome {
 };
 // ORDER process-results
 constexpr Outcome kOutcomes[] = {
-    {"", ""},
-    {"memory", "ran out of memory"},
-    {"failure", "failed to execute"},
-    {"died", "died"},
-    {"timeout", "timed out"},
-    {"pipe", "failed to pipe"},
+    {"", ""},         {"memory", "ran out of memory"}, {"failure", "failed to execute"},
+    {"died", "died"}, {"timeout", "timed out"},        {"pipe", "failed to pipe"},
 };
 constexpr Outcome kUnknownOutcome = {"unknown", "had an unknown error"};
 
@@ -55,8 +51,7 @@ int answer(bool done) {
 int runFailed(ScriptEngine* engine, ProcessResult result, ScriptObject* word, const char* name,
               const String* command) {
     const Outcome& outcome = outcomeOf(result);
-    if (name != nullptr)
-        logError(engine->logger, "%s: \"%S\" %s", name, command, outcome.message);
+    if (name != nullptr) logError(engine->logger, "%s: \"%S\" %s", name, command, outcome.message);
     setText(word, outcome.word);
     return kNegative;
 }
@@ -105,8 +100,8 @@ int scriptEnginePipeExec(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* a
     LocalString printed;
     LocalString complained;
     int64_t exitCode = 0;
-    const ProcessResult result = processRunPipe(command, arguments, &exitCode,
-                                                milliseconds(timeout), &printed, &complained);
+    const ProcessResult result =
+        processRunPipe(command, arguments, &exitCode, milliseconds(timeout), &printed, &complained);
     if (scriptObjectRetype(output, kTypeString)) stringTake(&output->string, &printed);
     if (scriptObjectRetype(error, kTypeString)) stringTake(&error->string, &complained);
     if (result != ProcessResult::Done)

@@ -15,10 +15,10 @@
 
 struct Child {
     pid_t id = 0;
-    int descriptor = -1;     // of one that was let go and runs
-    bool isLetGo = false;    // the reaper looks after it
-    bool hasEnded = false;   // and has been reaped
-    bool isKilled = false;   // by us
+    int descriptor = -1;    // of one that was let go and runs
+    bool isLetGo = false;   // the reaper looks after it
+    bool hasEnded = false;  // and has been reaped
+    bool isKilled = false;  // by us
     uint32_t exitCode = 0;
     Child* next = nullptr;
 };

@@ -25,10 +25,10 @@
 
 struct OsProcess {
     pid_t id = 0;
-    int descriptor = -1;     // readable with the end; -1 where there is none
+    int descriptor = -1;      // readable with the end; -1 where there is none
     int pipes[2] = {-1, -1};  // in the order of OsOutput
-    Child* child = nullptr;  // null for a stranger
-    bool isOwner = false;    // of the child: it was started, not opened by its id
+    Child* child = nullptr;   // null for a stranger
+    bool isOwner = false;     // of the child: it was started, not opened by its id
 
     OsProcess() = default;
     OsProcess(const OsProcess&) = delete;
@@ -72,8 +72,7 @@ class SpawnSettings {
     }
 
     void replace(int stream, int descriptor) {
-        if (error_ == 0)
-            error_ = posix_spawn_file_actions_adddup2(&actions_, descriptor, stream);
+        if (error_ == 0) error_ = posix_spawn_file_actions_adddup2(&actions_, descriptor, stream);
     }
     int spawn(const char* program, char* const* words, pid_t* id) {
         return error_ != 0 ? error_
@@ -154,8 +153,7 @@ int osProcessStart(const OsProcessStart& start, OsProcess** process, OsStartStep
     *process = nullptr;
     std::unique_ptr<OsProcess> made(new (std::nothrow) OsProcess);
     if (made != nullptr) made->child = childCreate();
-    if (made == nullptr || made->child == nullptr)
-        return fail(step, OsStartStep::Memory, ENOMEM);
+    if (made == nullptr || made->child == nullptr) return fail(step, OsStartStep::Memory, ENOMEM);
     made->isOwner = true;
     CommandWords words(start.commandLine);
     SpawnSettings settings;
@@ -258,8 +256,7 @@ int osProcessRead(OsProcess* process, OsOutput output, void* buffer, size_t size
     *got = 0;
     *atEnd = false;
     ssize_t count;
-    do
-        count = read(process->pipes[output == OsOutput::Standard ? 0 : 1], buffer, size);
+    do count = read(process->pipes[output == OsOutput::Standard ? 0 : 1], buffer, size);
     while (count < 0 && errno == EINTR);
     if (count < 0) return errno == EAGAIN ? 0 : errno;
     *got = static_cast<size_t>(count);

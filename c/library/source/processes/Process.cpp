@@ -54,9 +54,8 @@ bool buildCommandLine(const Process* process, String* line) {
 
 // ORDER start-steps: the messages for OsStartStep.
 constexpr const char* kStartFailures[] = {
-    "processStart: #::100",        "processStart: #::1300",
-    "processStart: #::1301",       "processStart: #::1302 #::14",
-    "processStart: #::1302 #::14",
+    "processStart: #::100",        "processStart: #::1300",       "processStart: #::1301",
+    "processStart: #::1302 #::14", "processStart: #::1302 #::14",
 };
 
 bool startFailed(const Process* process, OsStartStep step, int error) {
@@ -165,8 +164,7 @@ bool processStart(Process* process) {
     if (process == nullptr) return false;
     logTrace(process->logger, "processStart: Starting process %i", numberOf(process));
     if (processIsRunning(process)) {
-        logTrace(process->logger, "processStart: Process %i is already running",
-                 numberOf(process));
+        logTrace(process->logger, "processStart: Process %i is already running", numberOf(process));
         return false;
     }
     LocalString line;
@@ -211,8 +209,7 @@ bool processTerm(Process* process) {
         process->state = kProcessTerminated;
         return true;
     }
-    logTrace(process->logger,
-             "processTerm: TerminateProcess on process %i failed. GetLastError=%i",
+    logTrace(process->logger, "processTerm: TerminateProcess on process %i failed. GetLastError=%i",
              numberOf(process), error);
     return false;
 }

@@ -77,7 +77,8 @@ ProcessResult collect(Process* process, Stream (&streams)[2], int64_t deadline) 
 }  // namespace
 
 void processWaitEnd(Process* process, uint32_t milliseconds) {
-    if (processIsRunning(process) && !quitFlagIsSet()) waitForEnd(process, milliseconds, quitEvent());
+    if (processIsRunning(process) && !quitFlagIsSet())
+        waitForEnd(process, milliseconds, quitEvent());
 }
 
 ProcessResult processRunSpawn(const String* command, const String* arguments, bool hidden,

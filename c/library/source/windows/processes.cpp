@@ -14,7 +14,7 @@ struct OsProcess {
     HANDLE handle = nullptr;
     DWORD id = 0;
     DWORD threadId = 0;
-    bool isStarted = false;  // here, and not opened by its id
+    bool isStarted = false;              // here, and not opened by its id
     std::unique_ptr<ReadPipe> pipes[2];  // in the order of OsOutput
 
     OsProcess() = default;
