@@ -5,6 +5,7 @@
 
 #include "ScriptEngine3Functions/ContainerArguments.h"
 #include "containers/GrowArray.h"
+#include "logger/StandardOutput.h"
 #include "paths/Paths.h"
 #include "processes/ProcessCpp.h"
 #include "processes/ProcessTable.h"
@@ -121,6 +122,7 @@ int scriptProcessWaitQuit(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* 
     if (found.get() == nullptr)
         return commandOutOfMemory(engine, "PlainCast::scriptProcessWaitQuit");
     logDebug(engine->logger, "PlainCast::scriptProcessWaitQuit: Starting wait period");
+    outputFlush();
     const auto now = [] { return static_cast<double>(timeNow() / kMsPerSecond); };
     const double deadline = std::trunc(now() + seconds);
     while (now() < deadline) {
