@@ -140,7 +140,7 @@ void childStarted(Child* child, pid_t id) {
 Child* childFind(pid_t id) {
     const std::lock_guard hold(childrenLock);
     Child* child = firstChild;
-    while (child != nullptr && child->id != id) child = child->next;
+    while (child != nullptr && !(child->isLetGo && child->id == id)) child = child->next;
     return child;
 }
 
