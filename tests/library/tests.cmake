@@ -62,6 +62,7 @@ else()
     add_test(NAME RegistryProcesses COMMAND ${PROJECT_SOURCE_DIR}/tests/soak/registry
         $<TARGET_FILE:quorel_plaincast> 4)  # seconds; the soak test takes longer
     plaincast_test(RegistryStoreTest ScriptEngine3 logmessages)
+    set_tests_properties(RegistryStoreTest PROPERTIES RESOURCE_LOCK registry)
 endif()
 plaincast_test(RegistryTest registry)
 plaincast_test(ScriptBlockTest ScriptEngine3)
@@ -106,7 +107,7 @@ add_dependencies(ShellObjectsTest quorel_shellobj)
 set_tests_properties(ShellObjectsTest PROPERTIES WORKING_DIRECTORY ${shellobj_folder}
     ENVIRONMENT LD_LIBRARY_PATH=${shellobj_folder})
 # Under Windows the registry is one for all tests: those that write settings or need
-# them absent run one after the other.
-set_tests_properties(BuiltInVariablesTest CommandCasesTest LanguageCasesTest LogMessagesTest
-    NamedLockTest PathsTest PlainCastTest RegistryTest ScriptMessagesTest SystemInfoTest
-    PROPERTIES RESOURCE_LOCK registry)
+# them absent run one after the other, as do those of ScriptCases.h, which share a file.
+set_tests_properties(BuiltInVariablesTest CommandCasesTest FileCasesTest LanguageCasesTest
+    LogMessagesTest NamedLockTest PathsTest PlainCastTest RegistryTest ScriptMessagesTest
+    SystemInfoTest PROPERTIES RESOURCE_LOCK registry)
