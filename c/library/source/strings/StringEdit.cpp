@@ -66,6 +66,8 @@ int64_t replaceAll(String* s, std::string_view from, std::string_view to, const 
     size_t hit = searched.find(from, range.first);
     if (hit == std::string_view::npos) return 0;
     LocalString built;
+    // Near to what is needed, so that a large text is not moved while it grows.
+    if (!stringReserve(&built, s->length)) return -1;
     size_t copied = 0;
     int64_t count = 0;
     for (; hit != std::string_view::npos; hit = searched.find(from, copied)) {
