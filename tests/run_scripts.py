@@ -237,6 +237,11 @@ class Runner:
         if self.arguments.system == "windows":
             result["WINEPATH"] = self.path_for_program(self.program.parent)
             result["HOME"] = os.environ.get("HOME", "/root")
+            # Wine finds its server below TMPDIR: one of its own would start a server, and the
+            # services of a whole system, for each test, all on the same prefix.
+            del result["TMPDIR"]
+            if "TMPDIR" in os.environ:
+                result["TMPDIR"] = os.environ["TMPDIR"]
         return result
 
     def path_for_program(self, path):
