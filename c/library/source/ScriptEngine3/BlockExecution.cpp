@@ -1,8 +1,7 @@
 #include "ScriptEngine3/BlockExecution.h"
 
 #include "ScriptEngine3Defs/ScriptEvaluator.h"
-#include "ScriptEngine3Expressions/NumberSteps.h"
-#include "ScriptEngine3Expressions/TextSteps.h"
+#include "ScriptEngine3Expressions/Evaluator.h"
 #include "platform/program.h"
 
 namespace {
@@ -27,20 +26,25 @@ inline void setResult(ScriptEngine* engine, ScriptObject* object, bool value) {
 }
 
 inline void setSuccess(ScriptEngine* engine, bool value) {
-    setResult(engine, engine->results.success, value);
+    if ((engine->namedResults & kSuccessNamed) != 0)
+        setResult(engine, engine->results.success, value);
 }
-inline void setError(ScriptEngine* engine, bool value) {
-    setResult(engine, engine->results.error, value);
+void setError(ScriptEngine* engine, bool value) {
+    if ((engine->namedResults & kErrorNamed) != 0) setResult(engine, engine->results.error, value);
 }
-inline void setInvalidArgs(ScriptEngine* engine, bool value) {
-    setResult(engine, engine->results.invalidArgs, value);
+void setInvalidArgs(ScriptEngine* engine, bool value) {
+    if ((engine->namedResults & kInvalidArgsNamed) != 0)
+        setResult(engine, engine->results.invalidArgs, value);
 }
-inline void setOutOfMemory(ScriptEngine* engine, bool value) {
-    setResult(engine, engine->results.outOfMemory, value);
+void setOutOfMemory(ScriptEngine* engine, bool value) {
+    if ((engine->namedResults & kOutOfMemoryNamed) != 0)
+        setResult(engine, engine->results.outOfMemory, value);
 }
 
 inline void clearResults(ScriptEngine* engine) {
+    if (engine->namedResults == 0) return;
     setSuccess(engine, false);
+    if (engine->namedResults == kSuccessNamed) return;
     setError(engine, false);
     setInvalidArgs(engine, false);
     setOutOfMemory(engine, false);
@@ -157,53 +161,62 @@ inline bool actOnStatus(ScriptEngine* engine, ScriptBlock* block, int status,
     return true;
 }
 
-// `eval` of a single operation on numbers, or of a text that grows, without its
-// handler. False, with nothing done, when the statement is any other.
-inline bool quickEval(ScriptBlock* block, const ScriptLine* line) {
-    double number;
-    const ScriptExpression* expression = scriptArgumentExpression(block, line->args.items[0]);
-    return expression != nullptr &&
-           (scriptRunNumbers(expression, block, &number) || scriptRunAppendStep(expression, block));
+// `eval` of an expression of the block itself, without its handler.
+inline int runEval(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
+    ScriptExpression* expression = scriptArgumentExpression(block, line->args.items[0]);
+    if (expression == nullptr) return line->handler(engine, block, &line->args, line->block);
+    if (scriptEngineRunQuietly(engine, block, expression)) return kDone;
+    logError(engine->logger, "Parameter %u is not (properly) defined", 1u);
+    return kError;
+}
+
+inline int runHandler(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
+    if (line->flow == kEvalCommand) return runEval(engine, block, line);
+    return line->handler(engine, block, &line->args, line->block);
 }
 
 // One statement; false when the block stops.
-inline bool runLine(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line, bool tracing) {
-    if (tracing)
-        logAboutLine(engine, kLogTrace,
-                     "scriptEngineRunBlock: Executing script line %u in \"%S%S\"", line);
-    if (engine->requireSignature && !signatureSuffices(engine, line)) return false;
+inline bool runLine(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
     // A `call` has a block from its first run on, and from then on leaves the
     // variables to the function's own statements.
     if (line->block == kNoBlock && line->flow != kContinueCommand) clearResults(engine);
     if (line->flow == kCallCommand && !resolveCall(engine, block, line)) return false;
-    const int status = line->flow == kEvalCommand && quickEval(block, line)
-                           ? kDone
-                           : line->handler(engine, block, &line->args, line->block);
-    if (tracing) traceResult(engine, status, line);
+    return actOnStatus(engine, block, runHandler(engine, block, line), line);
+}
+
+// The same for a run that is watched, or whose files may have to be signed.
+[[gnu::noinline]] bool runLineWatched(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
+    logAboutLine(engine, kLogTrace, "scriptEngineRunBlock: Executing script line %u in \"%S%S\"",
+                 line);
+    if (engine->requireSignature && !signatureSuffices(engine, line)) return false;
+    if (line->block == kNoBlock && line->flow != kContinueCommand) clearResults(engine);
+    if (line->flow == kCallCommand && !resolveCall(engine, block, line)) return false;
+    const int status = runHandler(engine, block, line);
+    traceResult(engine, status, line);
     return actOnStatus(engine, block, status, line);
+}
+
+[[gnu::cold, gnu::noinline]] bool nestedTooDeeply(ScriptEngine* engine) {
+    logError(engine->logger,
+             "scriptEngineRunStack: Blocks and functions are nested too deeply (%u)",
+             engine->stack.size());
+    return false;
 }
 
 }  // namespace
 
 bool scriptEngineRunBlock(ScriptEngine* engine, ScriptBlock* block) {
-    const bool tracing = logWanted(kLogTrace);
+    const char here = 0;
+    if (&here <= engine->stackFloor) return nestedTooDeeply(engine);
+    const bool watched = logWanted(kLogTrace) || engine->requireSignature;
     block->lastResult = 1;
     bool good = true;
     for (ScriptLine* line : block->shape->lines) {
-        good = runLine(engine, block, line, tracing);
+        good = watched ? runLineWatched(engine, block, line) : runLine(engine, block, line);
         if (!good || engine->pending != 0) break;
     }
     if (!scriptTemporaries.empty()) scriptTemporariesFlush();
     return good;
-}
-
-bool stackRunTop(ScriptEngine* engine, ScriptBlock* block) {
-    const char here = 0;
-    if (&here > engine->stackFloor) return scriptEngineRunBlock(engine, block);
-    logError(engine->logger,
-             "scriptEngineRunStack: Blocks and functions are nested too deeply (%u)",
-             engine->stack.size());
-    return false;
 }
 
 void stackPop(ScriptEngine* engine) {
@@ -225,28 +238,20 @@ StackRun scriptEngineRunStack(ScriptEngine* engine, bool allowSingle) {
     }
     ScriptBlock* block = engine->stack.back();
     StackRun result = StackRun::Failed;
-    if (stackRunTop(engine, block))
+    if (scriptEngineRunBlock(engine, block))
         result = block->lastResult != 0 ? StackRun::Done : StackRun::Negative;
     stackPop(engine);
     return result;
 }
 
-bool bodyExists(ScriptEngine* engine, const char* name, int blockNumber) {
-    if (blockNumber >= 0 && static_cast<size_t>(blockNumber) < engine->blocks.size() &&
-        engine->blocks[static_cast<size_t>(blockNumber)] != nullptr)
-        return true;
-    logError(engine->logger, "%s: #::11", name);
-    return false;
+ScriptBlock* blockTemplate(const ScriptEngine* engine, int blockNumber) {
+    const auto number = static_cast<size_t>(blockNumber);
+    return blockNumber >= 0 && number < engine->blocks.size() ? engine->blocks[number] : nullptr;
 }
 
-ScriptBlock* blockPush(ScriptEngine* engine, int blockNumber, ScriptBlock* parent,
+ScriptBlock* blockPush(ScriptEngine* engine, ScriptBlock* blockTemplate, ScriptBlock* parent,
                        PushFailure* failure) {
-    const auto number = static_cast<size_t>(blockNumber);
-    if (blockNumber < 0 || number >= engine->blocks.size() || engine->blocks[number] == nullptr) {
-        *failure = PushFailure::MissingBlock;
-        return nullptr;
-    }
-    ScriptBlock* block = scriptBlockInstantiate(engine->blocks[number], parent);
+    ScriptBlock* block = scriptBlockInstantiate(blockTemplate, parent);
     if (block == nullptr) {
         *failure = PushFailure::NoInstance;
         return nullptr;
@@ -256,7 +261,6 @@ ScriptBlock* blockPush(ScriptEngine* engine, int blockNumber, ScriptBlock* paren
         *failure = PushFailure::NoStack;
         return nullptr;
     }
-    *failure = PushFailure::None;
     return block;
 }
 
@@ -284,16 +288,17 @@ bool scriptEngineExecuteFunction(ScriptEngine* engine, const ScriptFunction* fun
                                  ScriptBlock* parent, const GrowArray<const String*>& args) {
     const auto number = static_cast<uint32_t>(function->line->block);
     PushFailure failure;
-    ScriptBlock* block = blockPush(engine, function->line->block, parent, &failure);
-    if (failure == PushFailure::MissingBlock)
-        logError(engine->logger, "scriptEngineExecuteFunction: Could not find script block %u",
-                 number);
-    else if (failure == PushFailure::NoInstance)
-        logError(engine->logger,
-                 "scriptEngineExecuteFunction: Failed to initialize script block %u", number);
-    else if (failure == PushFailure::NoStack)
-        logError(engine->logger, "scriptEngineExecuteFunction: #::100");
+    ScriptBlock* body = blockTemplate(engine, function->line->block);
+    ScriptBlock* block = body == nullptr ? nullptr : blockPush(engine, body, parent, &failure);
     if (block == nullptr) {
+        if (body == nullptr)
+            logError(engine->logger, "scriptEngineExecuteFunction: Could not find script block %u",
+                     number);
+        else if (failure == PushFailure::NoInstance)
+            logError(engine->logger,
+                     "scriptEngineExecuteFunction: Failed to initialize script block %u", number);
+        else
+            logError(engine->logger, "scriptEngineExecuteFunction: #::100");
         logLocation(engine->logger, kLogError);
         return false;
     }

@@ -4,7 +4,7 @@
 
 // Runs the statements of a block. True also when it stopped for a pending
 // `return`, `break`, `continue` or `exit`; false after a failure, which has
-// been reported.
+// been reported, and where the native stack ends.
 bool scriptEngineRunBlock(ScriptEngine* engine, ScriptBlock* block);
 
 // How a run of the innermost instance came out.
@@ -14,22 +14,20 @@ enum class StackRun { Failed = 0, Done = 1, Negative = 2 };
 // out. Without `allowSingle` there must be two of them.
 StackRun scriptEngineRunStack(ScriptEngine* engine, bool allowSingle);
 
-// The two halves of it, for a loop that keeps its instance: runs the innermost
-// instance, which must be `block`, and takes it off.
-bool stackRunTop(ScriptEngine* engine, ScriptBlock* block);
+// Takes the innermost instance off the stack and ends it.
 void stackPop(ScriptEngine* engine);
 
 // Before a run: finds out how deep the calling thread's stack lets it go.
 void stackMeasure(ScriptEngine* engine);
 
-// Puts an activation of the block of this number, inside `parent`, on the
-// stack. Null when there is no such block or memory runs out: `*missing` tells.
-enum class PushFailure { None, MissingBlock, NoInstance, NoStack };
-ScriptBlock* blockPush(ScriptEngine* engine, int blockNumber, ScriptBlock* parent,
-                       PushFailure* failure);
+// The block of this number as parsed; null when there is none.
+ScriptBlock* blockTemplate(const ScriptEngine* engine, int blockNumber);
 
-// True when there is a block of this number; otherwise logs "<name>: #::11".
-bool bodyExists(ScriptEngine* engine, const char* name, int blockNumber);
+// Puts an activation of the block, inside `parent`, on the stack. Null when
+// memory runs out: `*failure` tells where.
+enum class PushFailure { NoInstance, NoStack };
+ScriptBlock* blockPush(ScriptEngine* engine, ScriptBlock* blockTemplate, ScriptBlock* parent,
+                       PushFailure* failure);
 
 // Runs a function from outside with texts, in literal form, as arguments.
 bool scriptEngineExecuteFunction(ScriptEngine* engine, const ScriptFunction* function,

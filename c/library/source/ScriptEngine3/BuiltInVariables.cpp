@@ -137,6 +137,7 @@ constexpr BuiltInVariable kBuiltInVariables[] = {
     {"localrouterport", false, routerPort},
     {"timezone", false, minutesFromUtc},
     {"role", true, roleName},
+    // ORDER result variables
     {"error", false, zero, &ScriptEngine::errorVar},
     {"success", false, zero, &ScriptEngine::successVar},
     {"invalid_args", false, zero, &ScriptEngine::invalidArgsVar},

@@ -3,7 +3,7 @@
 #include "ScriptEngine3/BlockExecution.h"
 #include "ScriptEngine3Defs/ScriptEvaluator.h"
 #include "ScriptEngine3Defs/ScriptExpression.h"
-#include "ScriptEngine3Expressions/NumberSteps.h"
+#include "ScriptEngine3Expressions/Evaluator.h"
 
 namespace {
 
@@ -26,19 +26,35 @@ ScriptObject* parameter(ScriptBlock* instance, const BlockShape::Slot& slot, uin
     return instance->locals[slot.index];
 }
 
+// Gives a parameter that has no object yet a number. False when memory runs out.
+bool makeNumber(ScriptBlock* instance, uint32_t slot, uint32_t id, double number) {
+    ScriptObject* object = scriptObjectCreateNumber(number);
+    if (object == nullptr) return false;
+    object->nameId = id;
+    instance->locals[slot] = object;
+    instance->isDirty = 1;
+    return true;
+}
+
 // Gives the parameter the argument's value. `kDone`, or the status of the call.
-[[gnu::noinline]] int passArgument(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg,
-                                   ScriptBlock* instance, uint32_t position) {
+int passArgument(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg, ScriptBlock* instance,
+                 uint32_t position) {
     ScriptBlock* where = nullptr;
     ScriptObject* value = scriptBlockSearchPlace(block, arg, &where);
     if (value == nullptr) return invalidArgument(engine, position);
     Owned<ScriptObject> made;
-    if (value->type == kTypeExpr) {
-        made.reset(scriptEvaluateToObject(engine, where, value->expression));
-        if (!made) return invalidArgument(engine, position);
+    EvalResult result;
+    bool isNumber = value->type == kTypeNumber;
+    if (isNumber) {
+        result.number = value->number;
+    } else if (value->type == kTypeExpr) {
+        if (!scriptEngineRunExpression(engine, where, value->expression, kWantValue, &result))
+            return invalidArgument(engine, position);
+        isNumber = result.object == nullptr;
+        made.reset(result.object);
         value = made.get();
         // A parameter made from a pointer will refer to that very object.
-        if (value->type == kTypePointer && !scriptTemporariesAdd(made.release()))
+        if (!isNumber && value->type == kTypePointer && !scriptTemporariesAdd(made.release()))
             return invalidArgument(engine, position);
     }
     const BlockShape* shape = instance->shape;
@@ -47,8 +63,16 @@ ScriptObject* parameter(ScriptBlock* instance, const BlockShape::Slot& slot, uin
         logLocation(engine->logger, kLogError);
         return kError;
     }
-    ScriptObject* target =
-        parameter(instance, shape->paramSlots[position - 1], shape->paramIds[position - 1]);
+    const BlockShape::Slot slot = shape->paramSlots[position - 1];
+    const uint32_t id = shape->paramIds[position - 1];
+    if (isNumber && !slot.isLiteral && instance->locals[slot.index] == nullptr &&
+        makeNumber(instance, slot.index, id, result.number))
+        return kDone;
+    if (value == nullptr) {
+        made.reset(scriptObjectCreateNumber(result.number));
+        value = made.get();
+    }
+    ScriptObject* target = parameter(instance, slot, id);
     if (target == nullptr) {
         logError(engine->logger, "scriptEngineCall: #::11");
         return kInvalidCall;
@@ -59,38 +83,10 @@ ScriptObject* parameter(ScriptBlock* instance, const BlockShape::Slot& slot, uin
     return kError;
 }
 
-// The usual case of a number, at hand or from one operation: it comes into
-// being as the parameter. False, with nothing done, when it is any other.
-inline bool passNumber(ScriptBlock* block, ScriptArg* arg, ScriptBlock* instance,
-                       uint32_t position) {
-    const BlockShape* shape = instance->shape;
-    if (position > shape->paramSlots.size()) return false;
-    const BlockShape::Slot slot = shape->paramSlots[position - 1];
-    if (slot.isLiteral || instance->locals[slot.index] != nullptr) return false;
-    const ScriptObject* value = scriptBlockSearchPlace(block, arg, nullptr);
-    if (value == nullptr) return false;
-    // Made first: an operation must not run twice for want of memory.
-    ScriptObject* object = scriptObjectCreateNumber(0);
-    if (object == nullptr) return false;
-    if (value->type == kTypeNumber) {
-        object->number = value->number;
-    } else if (value->type != kTypeExpr ||
-               !scriptRunNumbers(value->expression, block, &object->number)) {
-        scriptObjectDestroy(&object);
-        return false;
-    }
-    object->nameId = shape->paramIds[position - 1];
-    instance->locals[slot.index] = object;
-    instance->isDirty = 1;
-    return true;
-}
-
 int passArguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
                   ScriptBlock* instance) {
     for (uint32_t position = 1; position < args->count; ++position) {
-        ScriptArg* arg = &args->items[position];
-        if (passNumber(block, arg, instance, position)) continue;
-        const int status = passArgument(engine, block, arg, instance, position);
+        const int status = passArgument(engine, block, &args->items[position], instance, position);
         if (status != kDone) return status;
     }
     return kDone;
@@ -100,9 +96,12 @@ int passArguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
 
 int scriptEngineCall(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int blockNumber) {
     if (engine == nullptr || block == nullptr || args == nullptr) return kInvalidCall;
-    if (!bodyExists(engine, "scriptEngineCall", blockNumber)) return kInvalidCall;
-    ScriptBlock* instance = scriptBlockInstantiate(engine->blocks[static_cast<size_t>(blockNumber)],
-                                                   engine->globalBlock);
+    ScriptBlock* body = blockTemplate(engine, blockNumber);
+    if (body == nullptr) {
+        logError(engine->logger, "scriptEngineCall: #::11");
+        return kInvalidCall;
+    }
+    ScriptBlock* instance = scriptBlockInstantiate(body, engine->globalBlock);
     if (instance == nullptr) {
         logError(engine->logger, "scriptEngineCall: Failed to initialize script block %u",
                  static_cast<uint32_t>(blockNumber));

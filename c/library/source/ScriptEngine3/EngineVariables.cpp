@@ -109,4 +109,7 @@ void engineFindResultVars(ScriptEngine* engine) {
     for (const ResultVariable& variable : kResultVariables)
         engine->results.*variable.object =
             scriptBlockOwnVar(engine->globalBlock, engine->*variable.id);
+    // From here on whoever asks for one of the names is a script.
+    engine->parseTables->firstResultVar = engine->errorVar;
+    engine->parseTables->namedResults = 0;
 }

@@ -5,7 +5,7 @@
 #include "ScriptEngine3Defs/Arguments.h"
 #include "ScriptEngine3Defs/ScriptEvaluator.h"
 #include "ScriptEngine3Defs/ScriptExpression.h"
-#include "ScriptEngine3Expressions/NumberSteps.h"
+#include "ScriptEngine3Expressions/Evaluator.h"
 #include "strings/StringNumbers.h"
 
 namespace {
@@ -14,17 +14,26 @@ bool nullArguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args) {
     return engine == nullptr || block == nullptr || args == nullptr;
 }
 
+// The body of a statement; null after "<name>: #::11".
+inline ScriptBlock* findBody(ScriptEngine* engine, const char* name, int blockNumber) {
+    ScriptBlock* body = blockTemplate(engine, blockNumber);
+    if (body == nullptr) logError(engine->logger, "%s: #::11", name);
+    return body;
+}
+
 // Puts a body on the stack, inside `block`; null after "<name>: <message>".
-ScriptBlock* pushBody(ScriptEngine* engine, ScriptBlock* block, const char* name, int blockNumber) {
+inline ScriptBlock* pushBody(ScriptEngine* engine, ScriptBlock* block, const char* name,
+                             ScriptBlock* body, int blockNumber) {
     PushFailure failure;
-    ScriptBlock* body = blockPush(engine, blockNumber, block, &failure);
+    ScriptBlock* instance = blockPush(engine, body, block, &failure);
+    if (instance != nullptr) [[likely]]
+        return instance;
     if (failure == PushFailure::NoInstance)
         logError(engine->logger, "%s: Failed to initialize script block %u", name,
                  static_cast<uint32_t>(blockNumber));
-    else if (failure != PushFailure::None)
-        logError(engine->logger, failure == PushFailure::NoStack ? "%s: #::100" : "%s: #::11",
-                 name);
-    return body;
+    else
+        logError(engine->logger, "%s: #::100", name);
+    return nullptr;
 }
 
 int failedBody(ScriptEngine* engine, const char* name, int blockNumber) {
@@ -34,28 +43,18 @@ int failedBody(ScriptEngine* engine, const char* name, int blockNumber) {
 }
 
 // Runs the body of a branch inside `block`; the status of the statement.
-int runBody(ScriptEngine* engine, ScriptBlock* block, const char* name, int blockNumber) {
-    if (pushBody(engine, block, name, blockNumber) == nullptr) return kInvalidCall;
-    if (scriptEngineRunStack(engine, true) != StackRun::Failed) return kDone;
-    return failedBody(engine, name, blockNumber);
+inline int runBody(ScriptEngine* engine, ScriptBlock* block, const char* name, ScriptBlock* body,
+                   int blockNumber) {
+    ScriptBlock* instance = pushBody(engine, block, name, body, blockNumber);
+    if (instance == nullptr) return kInvalidCall;
+    const bool good = scriptEngineRunBlock(engine, instance);
+    stackPop(engine);
+    return good ? kDone : failedBody(engine, name, blockNumber);
 }
 
-// The truth of a branch's condition. False when the argument cannot be fetched.
-bool branchCondition(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
-                     ScriptTruth* truth) {
-    if (ScriptExpression* expression = scriptArgumentExpression(block, args->items[0])) {
-        EvalResult result;
-        if (scriptRunNumbers(expression, block, &result.number)) {
-            *truth = result.number == 0 ? kFalse : kTrue;
-            return true;
-        }
-        if (scriptEvaluator(engine, block, expression, kWantTruth, &result)) {
-            *truth = static_cast<ScriptTruth>(static_cast<int>(result.number));
-            return true;
-        }
-        logError(engine->logger, "Parameter %u is not (properly) defined", 1u);
-        return false;
-    }
+// The truth of a condition that is no expression of the block itself.
+[[gnu::noinline]] bool otherCondition(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
+                                      ScriptTruth* truth) {
     const ScriptObject* object = scriptBlockSearchPlace(block, &args->items[0], nullptr);
     if (object != nullptr && object->type == kTypeNumber) {
         *truth = object->number == 0 ? kFalse : kTrue;
@@ -67,19 +66,29 @@ bool branchCondition(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
     return true;
 }
 
+// The truth of a branch's condition. False when the argument cannot be fetched.
+inline bool branchCondition(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
+                            ScriptTruth* truth) {
+    ScriptExpression* expression = scriptArgumentExpression(block, args->items[0]);
+    if (expression == nullptr) return otherCondition(engine, block, args, truth);
+    if (scriptEngineRunTruth(engine, block, expression, truth)) return true;
+    logError(engine->logger, "Parameter %u is not (properly) defined", 1u);
+    return false;
+}
+
 // What `if` does, and `elseif` when no branch before it was taken.
-int branch(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int blockNumber,
-           const char* name) {
-    if (!bodyExists(engine, name, blockNumber)) return kInvalidCall;
+inline int branch(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int blockNumber,
+                  const char* name) {
+    ScriptBlock* body = findBody(engine, name, blockNumber);
+    if (body == nullptr) return kInvalidCall;
     ScriptTruth truth;
     if (!branchCondition(engine, block, args, &truth)) return kError;
     block->lastCondition = static_cast<uint8_t>(truth);
-    if (truth == kNoTruth) {
-        logError(engine->logger, "%s: Unable to determine boolean result of condition", name);
-        logLocation(engine->logger, kLogError);
-        return kError;
-    }
-    return truth == kTrue ? runBody(engine, block, name, blockNumber) : kDone;
+    if (truth == kTrue) return runBody(engine, block, name, body, blockNumber);
+    if (truth == kFalse) return kDone;
+    logError(engine->logger, "%s: Unable to determine boolean result of condition", name);
+    logLocation(engine->logger, kLogError);
+    return kError;
 }
 
 bool hasPreviousIf(ScriptEngine* engine, ScriptBlock* block, const char* name) {
@@ -107,16 +116,13 @@ class LoopArgument {
                 return object->number == 0 ? kFalse : kTrue;
             return scriptObjectGetBool(engine_, object, block_);
         }
-        double number;
-        if (scriptRunNumbers(object_->expression, block_, &number))
-            return number == 0 ? kFalse : kTrue;
-        return scriptEvaluateTruth(engine_, block_, object_->expression);
+        ScriptTruth truth;
+        return scriptEngineRunTruth(engine_, block_, object_->expression, &truth) ? truth
+                                                                                  : kNoTruth;
     }
     void run() const {
-        EvalResult result;
-        if (object_->type == kTypeExpr &&
-            !scriptRunNumbers(object_->expression, block_, &result.number))
-            scriptEvaluator(engine_, block_, object_->expression, kWantNothing, &result);
+        if (object_->type == kTypeExpr)
+            scriptEngineRunQuietly(engine_, block_, object_->expression);
     }
 
   private:
@@ -142,6 +148,7 @@ RoundEnd endOfRound(ScriptEngine* engine) {
 int rounds(ScriptEngine* engine, ScriptBlock* block, int blockNumber, const char* name,
            const LoopArgument& condition, const LoopArgument* step) {
     int status = kDone;
+    ScriptBlock* shape = blockTemplate(engine, blockNumber);
     ScriptBlock* body = nullptr;
     for (;;) {
         const ScriptTruth truth = condition.truth();
@@ -151,9 +158,9 @@ int rounds(ScriptEngine* engine, ScriptBlock* block, int blockNumber, const char
             status = kError;
             break;
         }
-        if (body == nullptr) body = pushBody(engine, block, name, blockNumber);
+        if (body == nullptr) body = pushBody(engine, block, name, shape, blockNumber);
         if (body == nullptr) return kInvalidCall;
-        if (!stackRunTop(engine, body)) {
+        if (!scriptEngineRunBlock(engine, body)) {
             status = failedBody(engine, name, blockNumber);
             break;
         }
@@ -195,13 +202,15 @@ int scriptEngineElse(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
     if (nullArguments(engine, block, args)) return kInvalidCall;
     if (!hasPreviousIf(engine, block, "scriptEngineElse")) return kError;
     if (block->lastCondition == kConditionTrue) return kDone;
-    return runBody(engine, block, "scriptEngineElse", blockNumber);
+    ScriptBlock* body = findBody(engine, "scriptEngineElse", blockNumber);
+    if (body == nullptr) return kInvalidCall;
+    return runBody(engine, block, "scriptEngineElse", body, blockNumber);
 }
 
 int scriptEngineWhile(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int blockNumber) {
     constexpr char kName[] = "scriptEngineWhile";
     if (nullArguments(engine, block, args)) return kInvalidCall;
-    if (!bodyExists(engine, kName, blockNumber)) return kInvalidCall;
+    if (findBody(engine, kName, blockNumber) == nullptr) return kInvalidCall;
     const LoopArgument condition(engine, block, args, 0);
     if (!condition.present()) return kError;
     return rounds(engine, block, blockNumber, kName, condition, nullptr);
@@ -210,7 +219,7 @@ int scriptEngineWhile(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args
 int scriptEngineFor(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int blockNumber) {
     constexpr char kName[] = "scriptEngineFor";
     if (nullArguments(engine, block, args)) return kInvalidCall;
-    if (!bodyExists(engine, kName, blockNumber)) return kInvalidCall;
+    if (findBody(engine, kName, blockNumber) == nullptr) return kInvalidCall;
     if (scriptEngineGetParam(engine, block, args, 0, kTypeUndef, true) == nullptr) return kError;
     const LoopArgument condition(engine, block, args, 1);
     if (!condition.present()) return kError;

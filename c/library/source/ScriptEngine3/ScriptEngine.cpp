@@ -71,6 +71,7 @@ bool scriptEnginePrepareRun(ScriptEngine* engine, const String* scriptPath) {
     }
     if (!scriptBlockMakeReady(engine->globalBlock))
         return failWithLocation(engine, "scriptEnginePrepareRun: #::100");
+    engine->namedResults = engine->parseTables->namedResults;
     parseTablesDestroy(&engine->parseTables);
     return true;
 }

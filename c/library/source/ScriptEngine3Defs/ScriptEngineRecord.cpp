@@ -41,6 +41,7 @@ ScriptEngine* scriptEngineRecordCreate() {
     engine->locks = mapCreate(stringCompareElements);
     engine->lockTableLock = lockCreate();
     engine->requireSignature = 1;
+    engine->namedResults = kAllResultsNamed;
     if (engine->logger == nullptr || engine->parseTables == nullptr ||
         engine->globalBlock == nullptr || engine->listeners == nullptr ||
         engine->connectionQueues == nullptr || engine->connectionLock == nullptr ||

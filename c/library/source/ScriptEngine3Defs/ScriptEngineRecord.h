@@ -36,6 +36,10 @@ struct ParseTables {
     NameTable varIds;
     uint32_t lastVarId = 0;  // highest id handed out
     uint32_t lastHiddenName = 0;
+    // Ids of the result variables are this one and the next; a bit for each that a
+    // script names. ORDER result variables
+    uint32_t firstResultVar = 0;
+    uint8_t namedResults = 0;
     NameTable sourceIndex;  // full path of a parsed file to its index in `sources`
 };
 
@@ -46,6 +50,15 @@ struct ResultVariables {
     ScriptObject* error;
     ScriptObject* invalidArgs;
     ScriptObject* outOfMemory;
+};
+
+// `ScriptEngine::namedResults`. ORDER result variables
+enum NamedResult : uint8_t {
+    kErrorNamed = 1,
+    kSuccessNamed = 2,
+    kInvalidArgsNamed = 4,
+    kOutOfMemoryNamed = 8,
+    kAllResultsNamed = 15,
 };
 
 // What is on its way out of the running blocks.
@@ -76,6 +89,9 @@ struct ScriptEngine {
     uint8_t pending;
     uint8_t returnValue;
     uint8_t requireSignature;
+    // The result variables that somebody may look at. The names are known when
+    // parsing has ended; what no script names is not set.
+    uint8_t namedResults;
     int32_t exitValue;
     int32_t statusCode;
     uint32_t errorVar;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "ScriptEngine3Defs/ScriptTypes.h"
 #include "ScriptEngine3Defs/VarPlace.h"
 #include "containers/GrowArray.h"
 
@@ -20,16 +21,19 @@ struct ExprToken {
 // Where a step of a program takes an operand from.
 enum ExprSource : uint8_t {
     kFromStack,
-    kFromPlace,   // looked up by its place
     kFromNumber,  // a literal number, until the instance has literals of its own
-    kFromLocal,   // a slot of the block itself: found out at the first use
-    kFromOuter,   // a slot of the block `place.depth` above
+    kFromSlot,    // a slot of the block `place.depth` above
+    kFromText,    // a literal text, like a literal number
+    kFromPlace,   // looked up by its place
 };
 
 struct ExprOperand {
     ExprSource from;
     VarPlace place;
-    double number;
+    union {
+        double number;       // of `kFromNumber`
+        ScriptObject* text;  // of `kFromText`, shared
+    };
 };
 
 enum ExprStepKind : uint8_t {
@@ -37,10 +41,26 @@ enum ExprStepKind : uint8_t {
     kStepUnary,
     kStepBinary,
     kStepAssign,   // a binary step that leaves its value on the left
-    kStepCompute,  // heads three steps, `x = a + b` and the like, that may run as one
     kStepClone,    // the whole program is one variable: a copy of it
     kStepInvalid,  // the program cannot go on
+    kStepEnd,      // behind the last one
 };
+
+struct EvalValue;
+struct ExprStep;
+
+// Where a program came to a step that is for the evaluator.
+struct StepStop {
+    const ExprStep* step;
+    EvalValue* top;
+};
+
+// Does a step in the short way that was made for its operation and operands, on
+// the values below `top`, and goes on with the steps behind it. True when the
+// program has come to its end; false when the values at a step are not of the
+// kind that it was made for: nothing of that step is done, and `stop` tells it.
+using StepRunner = bool (*)(const ExprStep* step, ScriptBlock* block, EvalValue* top,
+                            StepStop* stop);
 
 // One step of the ready form of a program: an operation with its operands
 // named where they can be, or a push. The steps do what the tokens say in the
@@ -50,22 +70,18 @@ struct ExprStep {
     uint8_t op;
     bool isLast;
     uint8_t taken;  // operands that come from the stack
+    StepRunner run;
     ExprOperand left;
     ExprOperand right;
 };
-
-// The most values on the stack of a program that counts as short.
-constexpr uint32_t kPureDepth = 8;
 
 // A compiled expression in postfix order. The tokens never change; the steps
 // are made from them at the first run.
 struct ScriptExpression {
     GrowArray<ExprToken> tokens;
     GrowArray<ExprStep> steps;
-    const ExprStep* single = nullptr;  // the first step of a program that does one thing
-    bool isPure = false;               // changes nothing and is short: it may be begun again
-    uint32_t stackDepth = 0;           // the most values on the stack, 0 before the first run
-    bool writes = false;               // has an operation that changes a variable
+    uint32_t stackDepth = 0;  // the most values on the stack, 0 before the first run
+    bool writes = false;      // has an operation that changes a variable
 };
 
 // An empty program; null when memory runs out. Ends with `scriptExpressionDestroy`.

@@ -5,6 +5,8 @@ GrowArray<ScriptObject*> scriptTemporaries;
 
 namespace {
 
+constexpr uint32_t kResultVars = 4;
+
 uint32_t handOutId(ParseTables* tables) {
     const uint32_t id = ++tables->lastVarId;
     if (id >= scriptVarIdCounter) scriptVarIdCounter = id + 1;
@@ -16,7 +18,11 @@ uint32_t handOutId(ParseTables* tables) {
 uint32_t scriptVarNameToId(ParseTables* tables, std::string_view name) {
     if (tables == nullptr || !scriptObjectIsValidName(name)) return kNoVariable;
     const uint32_t known = tables->varIds.find(name);
-    if (known != NameTable::kAbsent) return known;
+    if (known != NameTable::kAbsent) {
+        const uint32_t result = known - tables->firstResultVar;
+        if (result < kResultVars) tables->namedResults |= static_cast<uint8_t>(1 << result);
+        return known;
+    }
     return tables->varIds.add(name, tables->lastVarId + 1) ? handOutId(tables) : kNoVariable;
 }
 

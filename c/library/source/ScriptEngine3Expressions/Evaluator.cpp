@@ -2,6 +2,7 @@
 
 #include "ScriptEngine3Expressions/ExpressionSteps.h"
 #include "ScriptEngine3Expressions/NumberSteps.h"
+#include "ScriptEngine3Expressions/TextSteps.h"
 #include "strings/StringCompare.h"
 #include "strings/StringMatch.h"
 #include "strings/StringNumbers.h"
@@ -10,15 +11,6 @@ namespace {
 
 // Values that a run keeps without asking for memory.
 constexpr uint32_t kShortStack = 16;
-
-inline bool isMade(const EvalValue& value) {
-    return value.object != nullptr && (value.object->flags & kObjectMade) != 0;
-}
-
-inline void drop(const EvalValue& value) {
-    ScriptObject* object = value.object;
-    if (isMade(value)) scriptObjectDestroy(&object);
-}
 
 // A result that the run owns from now on.
 EvalValue valueOfMade(ScriptObject* object) {
@@ -37,9 +29,9 @@ class Evaluation {
     Evaluation(ScriptEngine* engine, ScriptBlock* block, EvalWant want)
         : engine_(engine), block_(block), want_(want) {}
 
-    // Goes on with a program from a step on; leaves the result at the bottom of
-    // the stack, whose values are ended when the program fails.
-    bool run(const ExprStep* from, EvalValue* stack, EvalValue* top);
+    // Goes on with a program from a step on that has no short way; leaves the result
+    // at the bottom of the stack, whose values are ended when the program fails.
+    bool run(const ExprStep* step, EvalValue* stack, EvalValue* top);
 
   private:
     bool slowStep(ExprStep* step, EvalValue*& top);
@@ -69,7 +61,6 @@ bool Evaluation::fail(const char* message) {
     return false;
 }
 
-// Takes an operand, and notes where it stands for the next time.
 bool Evaluation::load(ExprOperand* operand, EvalValue*& top, EvalValue* value) {
     if (operand->from == kFromStack) {
         // Field by field, as they were stored: both at once would wait for both stores.
@@ -79,8 +70,6 @@ bool Evaluation::load(ExprOperand* operand, EvalValue*& top, EvalValue* value) {
         return true;
     }
     value->object = scriptBlockSearchPlace(block_, &operand->place, nullptr);
-    if (operand->from == kFromPlace && operand->place.kind == kPlaceLocal)
-        operand->from = operand->place.depth == 0 ? kFromLocal : kFromOuter;
     if (value->object != nullptr) return true;
     return fail("scriptEngineEvaluate: Undefined variable in expression");
 }
@@ -207,15 +196,13 @@ bool Evaluation::ofStrings(const ExprStep& step, EvalValue& left, const EvalValu
 bool Evaluation::joined(const ScriptObject* left, const EvalValue& right, EvalValue* result) {
     const double* number = numberIn(right);
     if (number == nullptr && right.object->type != kTypeString) return false;
-    ScriptObject* made = scriptObjectCreateString(stringView(&left->string));
+    char digits[kNumberTextMax];
+    const std::string_view piece = number != nullptr
+                                       ? std::string_view(digits, numberToText(*number, digits))
+                                       : stringView(&right.object->string);
+    ScriptObject* made = scriptJoinTexts(stringView(&left->string), piece);
     if (made == nullptr) return false;
-    const bool whole = number != nullptr ? stringAppendDouble(&made->string, *number)
-                                         : stringAppend(&made->string, &right.object->string);
-    if (!whole) {
-        scriptObjectDestroy(&made);
-        return false;
-    }
-    made->flags |= kObjectMade;
+    made->flags = kObjectMade;
     *result = {made, 0};
     return true;
 }
@@ -297,33 +284,44 @@ bool Evaluation::slowStep(ExprStep* step, EvalValue*& top) {
     }
 }
 
-bool Evaluation::run(const ExprStep* from, EvalValue* stack, EvalValue* top) {
-    for (const ExprStep* step = from; step != nullptr;) {
+// An instance with literals of its own takes the long way for every step.
+bool Evaluation::run(const ExprStep* step, EvalValue* stack, EvalValue* top) {
+    while (step->kind != kStepEnd) {
         if (!slowStep(const_cast<ExprStep*>(step), top)) {
             while (top != stack) drop(*--top);
             return false;
         }
         ++top;
-        step = step->isLast ? nullptr : scriptRunNumberSteps(step + 1, block_, &top);
+        ++step;
+        if (block_->ownLiterals != nullptr) continue;
+        StepStop stop;
+        if (step->run(step, block_, top, &stop)) return true;
+        step = stop.step;
+        top = stop.top;
     }
     return true;
 }
 
-// Gives the caller what it wants of the result.
-void handOver(ScriptEngine* engine, ScriptBlock* block, EvalWant want, const EvalValue& value,
+// Gives the caller what it wants of the result; false when that cannot be made.
+bool handOver(ScriptEngine* engine, ScriptBlock* block, EvalWant want, const EvalValue& value,
               EvalResult* result) {
+    if (want == kWantNothing) {
+        drop(value);
+        return true;
+    }
     if (want == kWantTruth) {
         const double* number = numberIn(value);
         result->number = number != nullptr ? (*number == 0 ? kFalse : kTrue)
                                            : scriptObjectGetBool(engine, value.object, block);
         drop(value);
-    } else if (want == kWantNothing) {
-        drop(value);
-    } else {
-        if (value.object != nullptr) value.object->flags = 0;
-        result->object = value.object;
-        result->number = value.number;
+        return true;
     }
+    result->number = value.number;
+    result->object = isMade(value) ? value.object : scriptObjectClone(value.object);
+    if (result->object != nullptr) result->object->flags = 0;
+    if (result->object != nullptr || value.object == nullptr) return true;
+    logError(engine->logger, "scriptEngineEvaluate: Failed to evaluate expression");
+    return false;
 }
 
 [[gnu::noinline]] bool outOfMemory(ScriptEngine* engine) {
@@ -332,45 +330,71 @@ void handOver(ScriptEngine* engine, ScriptBlock* block, EvalWant want, const Eva
     return false;
 }
 
-// Goes on where the steps on numbers ended, at `step` or at the end.
-[[gnu::noinline]] bool runOn(ScriptEngine* engine, ScriptBlock* block, const ExprStep* step,
-                             EvalWant want, EvalValue* stack, EvalValue* top, EvalResult* result) {
-    if (step != nullptr && !Evaluation(engine, block, want).run(step, stack, top)) return false;
-    handOver(engine, block, want, stack[0], result);
-    return true;
+// Goes on from `stop`, or with what an object as result asks for.
+[[gnu::noinline]] bool runOn(ScriptEngine* engine, ScriptBlock* block, EvalWant want,
+                             EvalValue* stack, const StepStop* stop, EvalResult* result) {
+    if (stop != nullptr && !Evaluation(engine, block, want).run(stop->step, stack, stop->top))
+        return false;
+    return handOver(engine, block, want, stack[0], result);
 }
 
 // Runs a program that is ready.
-inline bool runReady(ScriptEngine* engine, ScriptBlock* block, const ScriptExpression* expression,
-                     EvalWant want, EvalValue* stack, EvalResult* result) {
-    EvalValue* top = stack;
-    const ExprStep* step = scriptRunNumberSteps(expression->steps.begin(), block, &top);
-    if (step != nullptr || stack[0].object != nullptr)
-        return runOn(engine, block, step, want, stack, top, result);
+template <EvalWant want>
+[[gnu::always_inline]] inline bool runReady(ScriptEngine* engine, ScriptBlock* block,
+                                            const ScriptExpression* expression, EvalValue* stack,
+                                            EvalResult* result) {
+    const ExprStep* step = expression->steps.begin();
+    StepStop stop{step, stack};
+    if (block->ownLiterals != nullptr || !step->run(step, block, stack, &stop))
+        return runOn(engine, block, want, stack, &stop, result);
+    if (stack[0].object != nullptr) return runOn(engine, block, want, stack, nullptr, result);
     const double number = stack[0].number;
-    result->number = want == kWantTruth ? number != 0 : number;
+    if constexpr (want != kWantNothing) result->number = want == kWantTruth ? number != 0 : number;
     return true;
 }
 
 // A program that runs for the first time, or keeps many values at once.
+template <EvalWant want>
 [[gnu::noinline]] bool runUnusual(ScriptEngine* engine, ScriptBlock* block,
-                                  ScriptExpression* expression, EvalWant want, EvalResult* result) {
+                                  ScriptExpression* expression, EvalResult* result) {
     if (!scriptExpressionPrepare(expression, block)) return outOfMemory(engine);
     auto* stack = static_cast<EvalValue*>(memAlloc(sizeof(EvalValue) * expression->stackDepth));
     if (stack == nullptr) return outOfMemory(engine);
-    const bool good = runReady(engine, block, expression, want, stack, result);
+    const bool good = runReady<want>(engine, block, expression, stack, result);
     memFree(&stack);
     return good;
+}
+
+template <EvalWant want>
+[[gnu::always_inline]] inline bool runProgram(ScriptEngine* engine, ScriptBlock* block,
+                                              ScriptExpression* expression, EvalResult* result) {
+    if (expression->stackDepth - 1 >= kShortStack)
+        return runUnusual<want>(engine, block, expression, result);
+    EvalValue stack[kShortStack];
+    return runReady<want>(engine, block, expression, stack, result);
 }
 
 }  // namespace
 
 bool scriptEngineRunExpression(ScriptEngine* engine, ScriptBlock* block,
                                ScriptExpression* expression, EvalWant want, EvalResult* result) {
-    if (expression->stackDepth - 1 >= kShortStack)
-        return runUnusual(engine, block, expression, want, result);
-    EvalValue stack[kShortStack];
-    return runReady(engine, block, expression, want, stack, result);
+    if (want == kWantValue) return runProgram<kWantValue>(engine, block, expression, result);
+    if (want == kWantTruth) return runProgram<kWantTruth>(engine, block, expression, result);
+    return scriptEngineRunQuietly(engine, block, expression);
+}
+
+bool scriptEngineRunTruth(ScriptEngine* engine, ScriptBlock* block, ScriptExpression* expression,
+                          ScriptTruth* truth) {
+    EvalResult result;
+    if (!runProgram<kWantTruth>(engine, block, expression, &result)) return false;
+    *truth = static_cast<ScriptTruth>(static_cast<int>(result.number));
+    return true;
+}
+
+bool scriptEngineRunQuietly(ScriptEngine* engine, ScriptBlock* block,
+                            ScriptExpression* expression) {
+    EvalResult result;
+    return runProgram<kWantNothing>(engine, block, expression, &result);
 }
 
 ScriptObject* scriptEngineEvaluate(ScriptEngine* engine, ScriptBlock* block,

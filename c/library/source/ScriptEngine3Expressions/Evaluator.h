@@ -13,6 +13,11 @@ void scriptOperatorsDone();
 bool scriptEngineRunExpression(ScriptEngine* engine, ScriptBlock* block,
                                ScriptExpression* expression, EvalWant want, EvalResult* result);
 
+// The same for what only the truth is wanted of, and for what nothing is.
+bool scriptEngineRunTruth(ScriptEngine* engine, ScriptBlock* block, ScriptExpression* expression,
+                          ScriptTruth* truth);
+bool scriptEngineRunQuietly(ScriptEngine* engine, ScriptBlock* block, ScriptExpression* expression);
+
 // The result as an object that the caller owns, or null, also for null arguments.
 ScriptObject* scriptEngineEvaluate(ScriptEngine* engine, ScriptBlock* block,
                                    ScriptExpression* expression);

@@ -1,21 +1,49 @@
 #include "ScriptEngine3Expressions/ExpressionSteps.h"
 
-#include "ScriptEngine3Expressions/Operators.h"
+#include "ScriptEngine3Expressions/NumberSteps.h"
+#include "ScriptEngine3Expressions/TextSteps.h"
 
 namespace {
 
-ExprOperand operandOf(const ExprToken& token, const ScriptBlock* block) {
+bool runUnusual(const ExprStep* step, ScriptBlock*, EvalValue* top, StepStop* stop) {
+    return leaveStep(step, top, stop);
+}
+
+bool runEnd(const ExprStep*, ScriptBlock*, EvalValue*, StepStop*) {
+    return true;
+}
+
+// The fastest function that there is for the step.
+StepRunner runnerOf(const ExprStep& step) {
+    if (step.kind == kStepEnd) return runEnd;
+    if (const StepRunner onNumbers = scriptNumberRunner(step)) return onNumbers;
+    const StepRunner onTexts = scriptTextRunner(step);
+    return onTexts != nullptr ? onTexts : runUnusual;
+}
+
+ExprOperand literalOperand(ExprOperand operand, ScriptObject* literal) {
+    operand.place.kind = kPlaceLiteral;
+    if (!literal->isShared()) return operand;
+    if (literal->type == kTypeNumber) {
+        operand.from = kFromNumber;
+        operand.number = literal->number;
+    } else if (literal->type == kTypeString) {
+        operand.from = kFromText;
+        operand.text = literal;
+    }
+    return operand;
+}
+
+ExprOperand operandOf(const ExprToken& token, ScriptBlock* block) {
     ExprOperand operand{};
     operand.place.id = token.varId;
     operand.from = kFromPlace;
-    if (token.literalSlot == kNoVariable) return operand;
-    operand.place.kind = kPlaceLiteral;
-    operand.place.slot = token.literalSlot;
-    const ScriptObject* literal = block->shape->literals[token.literalSlot];
-    if (literal->type == kTypeNumber && literal->isShared()) {
-        operand.from = kFromNumber;
-        operand.number = literal->number;
+    if (token.literalSlot != kNoVariable) {
+        operand.place.slot = token.literalSlot;
+        return literalOperand(operand, block->shape->literals[token.literalSlot]);
     }
+    scriptBlockSearchPlace(block, &operand.place, nullptr);
+    if (operand.place.kind == kPlaceLocal) operand.from = kFromSlot;
     return operand;
 }
 
@@ -45,37 +73,7 @@ ExprStep operatorStep(GrowArray<ExprStep>& steps, uint32_t op) {
     return step;
 }
 
-constexpr size_t kComputeSteps = 3;
-
-// A variable, an operation on two operands that are at hand, and the assignment
-// of its result to the variable.
-bool isComputation(const GrowArray<ExprStep>& steps) {
-    if (steps.size() < kComputeSteps) return false;
-    const ExprStep* step = steps.end() - kComputeSteps;
-    return step[0].kind == kStepPush && step[1].kind == kStepBinary && step[1].taken == 0 &&
-           step[2].kind == kStepAssign && step[2].taken == 2;
-}
-
-// Puts the head before the last three steps.
-bool headComputation(GrowArray<ExprStep>& steps) {
-    if (!steps.push(steps.back())) return false;
-    ExprStep* head = steps.end() - kComputeSteps - 1;
-    head[2] = head[1];
-    head[1] = head[0];
-    head[0] = plainStep(kStepCompute, 0);
-    return true;
-}
-
-bool isPure(const ScriptExpression* expression) {
-    if (expression->stackDepth > kPureDepth) return false;
-    for (const ExprToken& token : expression->tokens)
-        if (token.op == kOpIncr || token.op == kOpDecr ||
-            (token.op >= kOpAssign && token.op != kOpValue))
-            return false;
-    return true;
-}
-
-bool makeSteps(ScriptExpression* expression, const ScriptBlock* block) {
+bool makeSteps(ScriptExpression* expression, ScriptBlock* block) {
     GrowArray<ExprStep>& steps = expression->steps;
     uint32_t depth = 0;
     for (const ExprToken& token : expression->tokens) {
@@ -92,7 +90,6 @@ bool makeSteps(ScriptExpression* expression, const ScriptBlock* block) {
         step.taken = static_cast<uint8_t>((step.right.from == kFromStack) +
                                           (operands > 1 && step.left.from == kFromStack));
         if (!steps.push(step)) return false;
-        if (isComputation(steps) && !headComputation(steps)) return false;
         depth -= operands - 1;
     }
     if (depth != 1) return steps.push(plainStep(kStepInvalid, 0));
@@ -102,19 +99,19 @@ bool makeSteps(ScriptExpression* expression, const ScriptBlock* block) {
 
 }  // namespace
 
-bool scriptExpressionPrepare(ScriptExpression* expression, const ScriptBlock* block) {
+bool scriptExpressionPrepare(ScriptExpression* expression, ScriptBlock* block) {
     if (!expression->steps.empty()) return true;
     expression->stackDepth = 1;
-    if (!makeSteps(expression, block)) {
+    if (!makeSteps(expression, block) || !expression->steps.push(plainStep(kStepEnd, 0))) {
         expression->steps.clear();
         expression->stackDepth = 0;
         return false;
     }
-    expression->steps.fit();
-    expression->steps.back().isLast = true;
-    expression->isPure = isPure(expression);
-    const size_t count = expression->steps.size();
-    if (count == 1 || (count == 1 + kComputeSteps && expression->steps[0].kind == kStepCompute))
-        expression->single = &expression->steps[0];
+    GrowArray<ExprStep>& steps = expression->steps;
+    steps.fit();
+    for (ExprStep& step : steps) {
+        step.isLast = &step + 2 == steps.end();
+        step.run = runnerOf(step);
+    }
     return true;
 }

@@ -1,9 +1,15 @@
 #pragma once
 
-#include "ScriptEngine3Defs/ScriptBlock.h"
-#include "ScriptEngine3Defs/ScriptExpression.h"
+#include "ScriptEngine3Expressions/EvalValue.h"
 
-// `text .= piece` as a statement of its own, the usual way to build a text:
-// the piece, a string or a number, goes behind a string that stands in a slot,
-// and no result is made. False, with nothing done, when the program is any other.
-bool scriptRunAppendStep(const ScriptExpression* expression, ScriptBlock* block);
+// What texts need that stand in variables and literals: to be joined, compared
+// and assigned where they are.
+
+// The function for a step whose operands may be texts; null when there is none.
+StepRunner scriptTextRunner(const ExprStep& step);
+
+// Runs a step that may be one on texts, like any `StepRunner`.
+bool scriptRunTextStep(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepStop* stop);
+
+// A new text of two; null when memory runs out.
+ScriptObject* scriptJoinTexts(std::string_view left, std::string_view right);
