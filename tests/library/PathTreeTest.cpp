@@ -72,6 +72,26 @@ TEST(PathTree, FindsAmongManyChildrenWhileTheyComeAndGo) {
     EXPECT_EQ("n0;n2;n4;", names(tree.get(), "").substr(0, 9)) << "in the order of their making";
 }
 
+TEST(PathTree, FindsByThePathAndNotByWhatWasFoundBefore) {
+    const Owned<PathTree> tree(pathTreeCreate());
+    add(tree.get(), "", "a");
+    add(tree.get(), "a", "b");
+    add(tree.get(), "a.b", "b");
+    EXPECT_EQ(nullptr, add(tree.get(), "a.", "b")) << "a point at the end adds no name";
+    add(tree.get(), "a", "");
+    add(tree.get(), "a..", "b");
+    for (const char* found : {"a.b.b", "a.b.b.", "a..b", "a.b", "a."})
+        EXPECT_TRUE(has(tree.get(), found)) << found;
+    for (const char* missing : {".", "a.b..b", "a.b.c", "a...b", "a..b.b", ".a"})
+        EXPECT_FALSE(has(tree.get(), missing)) << missing;
+    ASSERT_TRUE(has(tree.get(), "a.b.b"));
+    ASSERT_TRUE(pathTreeEraseNode(tree.get(), text("a.b").get(), nullptr));
+    EXPECT_FALSE(has(tree.get(), "a.b.b"));
+    ASSERT_TRUE(has(tree.get(), "a..b"));
+    pathTreeClear(tree.get(), nullptr);
+    EXPECT_FALSE(has(tree.get(), "a..b"));
+}
+
 TEST(PathTree, NeedsNoStackForADeepTree) {
     constexpr uint32_t kDepth = 300000;
     const Owned<String> name = text("d");

@@ -134,11 +134,24 @@ std::string_view cutName(std::string_view* rest) {
     return name;
 }
 
+PathTreeNode* walkDown(PathTreeNode* node, std::string_view path) {
+    while (node != nullptr && !path.empty()) node = pathTreeNodeChild(node, cutName(&path));
+    return node;
+}
+
+// Whether what stands behind the last point of a path is the name of a child of
+// what the path before it leads to: it is not where points end a path or meet.
+bool endsInPlainName(std::string_view path, size_t point) {
+    return point != std::string_view::npos && point != 0 && point + 1 != path.size() &&
+           path[point - 1] != kSeparator;
+}
+
 }  // namespace
 
 PathTree* pathTreeCreate() {
     PathTree* tree = memNew<PathTree>();
     if (tree == nullptr) return nullptr;
+    stringInitEmpty(&tree->nearPath);
     Owned<String> name(stringFromText("root"));
     tree->root = pathTreeNodeCreate(name.get());
     if (tree->root == nullptr) memFree(&tree);
@@ -148,21 +161,31 @@ PathTree* pathTreeCreate() {
 void pathTreeDestroy(PathTree** tree, DestroyFunction destroy) {
     if (tree == nullptr || *tree == nullptr) return;
     pathTreeNodeDestroy(&(*tree)->root, destroy);
+    stringRelease(&(*tree)->nearPath);
     memFree(tree);
 }
 
 void pathTreeClear(PathTree* tree, DestroyFunction destroy) {
     if (tree == nullptr) return;
+    tree->near = nullptr;
     destroyChildren(tree->root, destroy);
     endValue(tree->root, destroy);
 }
 
 PathTreeNode* pathTreeFind(const PathTree* tree, const String* path) {
     if (tree == nullptr || path == nullptr) return nullptr;
-    PathTreeNode* node = tree->root;
-    std::string_view rest = stringView(path);
-    while (node != nullptr && !rest.empty()) node = pathTreeNodeChild(node, cutName(&rest));
-    return node;
+    const std::string_view text = stringView(path);
+    if (tree->near != nullptr && text == stringView(&tree->nearPath)) return tree->near;
+    const size_t point = text.rfind(kSeparator);
+    if (!endsInPlainName(text, point)) return walkDown(tree->root, text);
+    const std::string_view parentPath = text.substr(0, point);
+    PathTreeNode* parent = tree->near;
+    if (parent == nullptr || parentPath != stringView(&tree->nearPath)) {
+        parent = walkDown(tree->root, parentPath);
+        if (parent == nullptr) return nullptr;
+        tree->near = stringSetView(&tree->nearPath, parentPath) ? parent : nullptr;
+    }
+    return pathTreeNodeChild(parent, text.substr(point + 1));
 }
 
 PathTreeNode* pathTreeAddNode(PathTree* tree, const String* path, const String* name) {
@@ -207,6 +230,7 @@ List* pathTreeChildNames(const PathTree* tree, const String* path) {
 bool pathTreeEraseNode(PathTree* tree, const String* path, DestroyFunction destroy) {
     PathTreeNode* node = pathTreeFind(tree, path);
     if (node == nullptr || node == tree->root) return false;
+    tree->near = nullptr;
     pathTreeNodeDestroy(&node, destroy);
     return true;
 }
