@@ -58,7 +58,7 @@ class ArgumentsTest : public testing::Test {
     ScriptEngine* engine_ = nullptr;
     ScriptBlock* block_ = nullptr;
     ScriptArg args_[3];
-    ScriptArgs list_{args_, 3};
+    ScriptArgs list_{args_, 3, nullptr};
 };
 
 }  // namespace

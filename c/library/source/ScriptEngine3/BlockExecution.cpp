@@ -163,7 +163,7 @@ inline bool actOnStatus(ScriptEngine* engine, ScriptBlock* block, int status,
 
 // `eval` of an expression of the block itself, without its handler.
 inline int runEval(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
-    ScriptExpression* expression = scriptArgumentExpression(block, line->args.items[0]);
+    ScriptExpression* expression = scriptArgumentProgram(block, &line->args);
     if (expression == nullptr) return line->handler(engine, block, &line->args, line->block);
     if (scriptEngineRunQuietly(engine, block, expression)) return kDone;
     logError(engine->logger, "Parameter %u is not (properly) defined", 1u);

@@ -69,7 +69,7 @@ inline int runBody(ScriptEngine* engine, ScriptBlock* block, const char* name, S
 // The truth of a branch's condition. False when the argument cannot be fetched.
 inline bool branchCondition(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
                             ScriptTruth* truth) {
-    ScriptExpression* expression = scriptArgumentExpression(block, args->items[0]);
+    ScriptExpression* expression = scriptArgumentProgram(block, args);
     if (expression == nullptr) return otherCondition(engine, block, args, truth);
     if (scriptEngineRunTruth(engine, block, expression, truth)) return true;
     logError(engine->logger, "Parameter %u is not (properly) defined", 1u);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ScriptEngine3Defs/ScriptBlock.h"
+#include "ScriptEngine3Defs/ScriptLine.h"
 
 struct ScriptExpression;
 
@@ -30,11 +31,15 @@ ScriptObject* scriptEvaluateToObject(ScriptEngine* engine, ScriptBlock* block,
 ScriptTruth scriptEvaluateTruth(ScriptEngine* engine, ScriptBlock* block,
                                 ScriptExpression* expression);
 
-// The program of an argument that is an expression of the running block, as it
-// stands in the template; null when the argument is anything else, or takes a
-// longer look.
-inline ScriptExpression* scriptArgumentExpression(const ScriptBlock* block, const VarPlace& arg) {
-    if (arg.kind != kPlaceLiteral || block->ownLiterals != nullptr) return nullptr;
+// The program of a statement's first argument where that is an expression of the
+// running block, as it stands in the template; null when it is anything else, or
+// takes a longer look.
+inline ScriptExpression* scriptArgumentProgram(const ScriptBlock* block, ScriptArgs* args) {
+    if (block->ownLiterals != nullptr) return nullptr;
+    if (args->program != nullptr) return args->program;
+    const ScriptArg& arg = args->items[0];
+    if (arg.kind != kPlaceLiteral) return nullptr;
     const ScriptObject* object = block->shape->literals[arg.slot];
-    return object->type == kTypeExpr ? object->expression : nullptr;
+    if (object->type == kTypeExpr && object->isShared()) args->program = object->expression;
+    return args->program;
 }

@@ -12,7 +12,7 @@ ScriptLine* scriptLineCreate(uint32_t source, uint32_t lineNumber, const Command
     line->block = block;
     line->needsSignature = command->needsSignature;
     line->flow = command->flow;
-    line->args = {reinterpret_cast<ScriptArg*>(line + 1), count};
+    line->args = {reinterpret_cast<ScriptArg*>(line + 1), count, nullptr};
     for (uint32_t at = 0; at < count; ++at) line->args.items[at] = args[at];
     return line;
 }

@@ -6,6 +6,8 @@
 #include "ScriptEngine3Defs/VarPlace.h"
 #include "containers/Owned.h"
 
+struct ScriptExpression;
+
 // One argument of a statement: a variable id with its place.
 using ScriptArg = VarPlace;
 
@@ -14,6 +16,9 @@ using ScriptArg = VarPlace;
 struct ScriptArgs {
     ScriptArg* items;
     uint32_t count;
+    // The program of the first one, once it has been found to be an expression of
+    // the statement's own block that nobody can change; null otherwise.
+    ScriptExpression* program;
 };
 
 // One statement.

@@ -330,71 +330,47 @@ bool handOver(ScriptEngine* engine, ScriptBlock* block, EvalWant want, const Eva
     return false;
 }
 
-// Goes on from `stop`, or with what an object as result asks for.
-[[gnu::noinline]] bool runOn(ScriptEngine* engine, ScriptBlock* block, EvalWant want,
-                             EvalValue* stack, const StepStop* stop, EvalResult* result) {
+// Runs a program that is ready.
+[[gnu::always_inline]] inline bool runReady(ScriptEngine* engine, ScriptBlock* block,
+                                            const ScriptExpression* expression, EvalWant want,
+                                            EvalValue* stack, EvalResult* result) {
+    const ExprStep* step = expression->steps.begin();
+    StepStop stop{step, stack};
+    if (block->ownLiterals != nullptr || !step->run(step, block, stack, &stop))
+        return scriptEngineGoOn(engine, block, want, stack, &stop, result);
+    if (stack[0].object != nullptr)
+        return scriptEngineGoOn(engine, block, want, stack, nullptr, result);
+    const double number = stack[0].number;
+    result->number = want == kWantTruth ? number != 0 : number;
+    return true;
+}
+
+// A program that runs for the first time, or keeps many values at once.
+[[gnu::noinline]] bool runUnusual(ScriptEngine* engine, ScriptBlock* block,
+                                  ScriptExpression* expression, EvalWant want, EvalResult* result) {
+    if (!scriptExpressionPrepare(expression, block)) return outOfMemory(engine);
+    auto* stack = static_cast<EvalValue*>(memAlloc(sizeof(EvalValue) * expression->stackDepth));
+    if (stack == nullptr) return outOfMemory(engine);
+    const bool good = runReady(engine, block, expression, want, stack, result);
+    memFree(&stack);
+    return good;
+}
+
+}  // namespace
+
+bool scriptEngineGoOn(ScriptEngine* engine, ScriptBlock* block, EvalWant want, EvalValue* stack,
+                      const StepStop* stop, EvalResult* result) {
     if (stop != nullptr && !Evaluation(engine, block, want).run(stop->step, stack, stop->top))
         return false;
     return handOver(engine, block, want, stack[0], result);
 }
 
-// Runs a program that is ready.
-template <EvalWant want>
-[[gnu::always_inline]] inline bool runReady(ScriptEngine* engine, ScriptBlock* block,
-                                            const ScriptExpression* expression, EvalValue* stack,
-                                            EvalResult* result) {
-    const ExprStep* step = expression->steps.begin();
-    StepStop stop{step, stack};
-    if (block->ownLiterals != nullptr || !step->run(step, block, stack, &stop))
-        return runOn(engine, block, want, stack, &stop, result);
-    if (stack[0].object != nullptr) return runOn(engine, block, want, stack, nullptr, result);
-    const double number = stack[0].number;
-    if constexpr (want != kWantNothing) result->number = want == kWantTruth ? number != 0 : number;
-    return true;
-}
-
-// A program that runs for the first time, or keeps many values at once.
-template <EvalWant want>
-[[gnu::noinline]] bool runUnusual(ScriptEngine* engine, ScriptBlock* block,
-                                  ScriptExpression* expression, EvalResult* result) {
-    if (!scriptExpressionPrepare(expression, block)) return outOfMemory(engine);
-    auto* stack = static_cast<EvalValue*>(memAlloc(sizeof(EvalValue) * expression->stackDepth));
-    if (stack == nullptr) return outOfMemory(engine);
-    const bool good = runReady<want>(engine, block, expression, stack, result);
-    memFree(&stack);
-    return good;
-}
-
-template <EvalWant want>
-[[gnu::always_inline]] inline bool runProgram(ScriptEngine* engine, ScriptBlock* block,
-                                              ScriptExpression* expression, EvalResult* result) {
-    if (expression->stackDepth - 1 >= kShortStack)
-        return runUnusual<want>(engine, block, expression, result);
-    EvalValue stack[kShortStack];
-    return runReady<want>(engine, block, expression, stack, result);
-}
-
-}  // namespace
-
 bool scriptEngineRunExpression(ScriptEngine* engine, ScriptBlock* block,
                                ScriptExpression* expression, EvalWant want, EvalResult* result) {
-    if (want == kWantValue) return runProgram<kWantValue>(engine, block, expression, result);
-    if (want == kWantTruth) return runProgram<kWantTruth>(engine, block, expression, result);
-    return scriptEngineRunQuietly(engine, block, expression);
-}
-
-bool scriptEngineRunTruth(ScriptEngine* engine, ScriptBlock* block, ScriptExpression* expression,
-                          ScriptTruth* truth) {
-    EvalResult result;
-    if (!runProgram<kWantTruth>(engine, block, expression, &result)) return false;
-    *truth = static_cast<ScriptTruth>(static_cast<int>(result.number));
-    return true;
-}
-
-bool scriptEngineRunQuietly(ScriptEngine* engine, ScriptBlock* block,
-                            ScriptExpression* expression) {
-    EvalResult result;
-    return runProgram<kWantNothing>(engine, block, expression, &result);
+    if (expression->stackDepth - 1 >= kShortStack)
+        return runUnusual(engine, block, expression, want, result);
+    EvalValue stack[kShortStack];
+    return runReady(engine, block, expression, want, stack, result);
 }
 
 ScriptObject* scriptEngineEvaluate(ScriptEngine* engine, ScriptBlock* block,

@@ -29,19 +29,12 @@ int scriptEngineDefault(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* ar
     return scriptObjectAssign(engine, object, value) ? kDone : kError;
 }
 
-// The statement form of an expression: nobody looks at the result.
+// The statement form of an expression: nobody looks at the result. One of the
+// running block itself does not come here.
 int scriptEngineEval(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
-    if (engine == nullptr || block == nullptr || args == nullptr) return kInvalidCall;
-    ScriptExpression* expression = scriptArgumentExpression(block, args->items[0]);
-    if (expression == nullptr) {
-        Arguments in(engine, block, args);
-        in.any(0);
-        return in.status();
-    }
-    EvalResult result;
-    if (scriptEvaluator(engine, block, expression, kWantNothing, &result)) return kDone;
-    logError(engine->logger, "Parameter %u is not (properly) defined", 1u);
-    return kError;
+    Arguments in(engine, block, args);
+    in.any(0);
+    return in.status();
 }
 
 // `size value target`: the target is a number before the size is taken.

@@ -23,10 +23,6 @@ constexpr uint32_t kIndexFrom = 16;
 // Keeps the place of a child that has gone.
 PathTreeNode goneNode;
 
-PathTreeNode* childOf(const ListNode* place) {
-    return place == nullptr ? nullptr : static_cast<PathTreeNode*>(place->value);
-}
-
 // The slot where `fits` is true of a child of that hash; else the free slot where
 // the search ended.
 template <typename Fits>
@@ -61,7 +57,7 @@ void addToIndex(PathTreeIndex* index, PathTreeNode* child) {
 void makeIndex(PathTreeNode* parent) {
     memFree(&parent->index);
     uint64_t size = kIndexFrom;
-    while (size < uint64_t{listCount(parent->children)} * 4) size *= 2;
+    while (size < uint64_t{parent->childCount} * 4) size *= 2;
     if (size > UINT32_MAX) return;
     const size_t bytes = size * sizeof(PathTreeNode*);
     auto* index = static_cast<PathTreeIndex*>(memAlloc(sizeof(PathTreeIndex) + bytes));
@@ -76,7 +72,7 @@ void makeIndex(PathTreeNode* parent) {
 }
 
 void noteNewChild(PathTreeNode* parent, PathTreeNode* child) {
-    if (listCount(parent->children) < kIndexFrom) return;
+    if (parent->childCount < kIndexFrom) return;
     if (parent->index == nullptr || parent->index->used >= parent->index->size / 2)
         makeIndex(parent);
     else
@@ -88,9 +84,10 @@ void detach(PathTreeNode* node) {
     PathTreeNode* parent = node->parent;
     if (parent == nullptr) return;
     if (parent->index != nullptr) *slotOfChild(parent->index, node) = &goneNode;
-    listEraseNode(parent->children, node->place);
-    node->parent = nullptr;
-    node->place = nullptr;
+    (node->previous == nullptr ? parent->firstChild : node->previous->next) = node->next;
+    (node->next == nullptr ? parent->lastChild : node->next->previous) = node->previous;
+    --parent->childCount;
+    node->parent = node->next = node->previous = nullptr;
 }
 
 void endValue(PathTreeNode* node, DestroyFunction destroy) {
@@ -107,7 +104,6 @@ void destroyChildren(PathTreeNode* top, DestroyFunction destroy) {
             node = child;
             continue;
         }
-        listDestroy(&node->children);
         if (node == top) return;
         PathTreeNode* parent = node->parent;
         detach(node);
@@ -268,10 +264,11 @@ bool pathTreeNodeAppend(PathTreeNode* parent, PathTreeNode* node) {
     if (parent == nullptr || node == nullptr || parent == node || node->parent != nullptr)
         return false;
     if (childOfHash(parent, node->nameHash, stringView(&node->name)) != nullptr) return false;
-    if (parent->children == nullptr) parent->children = listCreate();
-    if (!listPushBack(parent->children, node)) return false;
     node->parent = parent;
-    node->place = listLastNode(parent->children);
+    node->previous = parent->lastChild;
+    (node->previous == nullptr ? parent->firstChild : node->previous->next) = node;
+    parent->lastChild = node;
+    ++parent->childCount;
     noteNewChild(parent, node);
     return true;
 }
@@ -281,12 +278,11 @@ PathTreeNode* pathTreeNodeChild(const PathTreeNode* parent, std::string_view nam
 }
 
 PathTreeNode* pathTreeNodeFirst(const PathTreeNode* parent) {
-    return parent == nullptr ? nullptr : childOf(listFirstNode(parent->children));
+    return parent == nullptr ? nullptr : parent->firstChild;
 }
 
 PathTreeNode* pathTreeNodeNext(const PathTreeNode* node) {
-    if (node == nullptr || node->parent == nullptr) return nullptr;
-    return childOf(listNextNode(node->parent->children, node->place));
+    return node == nullptr ? nullptr : node->next;
 }
 
 PathTreeNode* pathTreeNodeWalk(const PathTreeNode* top, PathTreeNode* node) {

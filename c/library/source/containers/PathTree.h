@@ -19,10 +19,13 @@ struct PathTreeIndex;
 struct PathTreeNode {
     String name;        // in place
     uint32_t nameHash;  // by which the index finds it
+    uint32_t childCount;
     void* value;
-    PathTreeNode* parent;  // null for a node that hangs nowhere
-    List* children;        // owned, of nodes, in the order of their making; null without any
-    ListNode* place;       // in the parent's children
+    PathTreeNode* parent;      // null for a node that hangs nowhere
+    PathTreeNode* firstChild;  // owned with all that stand behind it, in the order of their making
+    PathTreeNode* lastChild;
+    PathTreeNode* next;  // among the children of the parent
+    PathTreeNode* previous;
     PathTreeIndex* index;  // owned, of the children by name; null while they are few
 };
 
@@ -82,8 +85,7 @@ PathTreeNode* pathTreeNodeCreate(const String* name);
 void pathTreeNodeDestroy(PathTreeNode** node, DestroyFunction destroy);
 
 // Hangs a node that hangs nowhere below `parent`, which owns it from then on, as
-// its last child. False, with nothing changed, when there is a child of that
-// name and when memory runs out.
+// its last child. False, with nothing changed, when there is a child of that name.
 bool pathTreeNodeAppend(PathTreeNode* parent, PathTreeNode* node);
 
 // The child of that name; null when there is none.

@@ -2,6 +2,11 @@
 
 #include <cstdint>
 #include <string_view>
+#include <type_traits>
+
+#ifdef __x86_64__
+#include <emmintrin.h>
+#endif
 
 #include "strings/String.h"
 
@@ -12,9 +17,16 @@
 // smallest number. The unsigned ones are the low bits of the 64-bit number, so
 // that -1 is the largest position there is.
 constexpr int32_t numberToInt32(double value) {
+#ifdef __x86_64__
+    // The processor's own conversion has this very rule.
+    if (!std::is_constant_evaluated()) return _mm_cvttsd_si32(_mm_set_sd(value));
+#endif
     return value > -2147483649.0 && value < 2147483648.0 ? static_cast<int32_t>(value) : INT32_MIN;
 }
 constexpr int64_t numberToInt64(double value) {
+#ifdef __x86_64__
+    if (!std::is_constant_evaluated()) return _mm_cvttsd_si64(_mm_set_sd(value));
+#endif
     return value >= -9223372036854775808.0 && value < 9223372036854775808.0
                ? static_cast<int64_t>(value)
                : INT64_MIN;
