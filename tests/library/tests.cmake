@@ -68,6 +68,19 @@ plaincast_test(RegistryTest registry)
 plaincast_test(ScriptBlockTest ScriptEngine3)
 plaincast_test(ScriptMessagesTest ScriptEngine3 logmessages)
 plaincast_test(ScriptObjectTest ScriptEngine3)
+plaincast_test(ServiceTest ScriptEngine3 logmessages)
+if(WIN32)
+    add_executable(quorel_testservice services/windows/quorel_testservice.cpp)
+    target_sources(ServiceTest PRIVATE services/windows/ServiceWorld.cpp)
+    target_compile_definitions(ServiceTest PRIVATE
+        PLAINCAST_SERVICE="$<TARGET_FILE:quorel_testservice>")
+    add_dependencies(ServiceTest quorel_testservice)
+else()
+    find_library(PLAINCAST_SYSTEMD NAMES libsystemd.so.0 REQUIRED)
+    target_sources(ServiceTest PRIVATE services/posix/ServiceWorld.cpp)
+    target_link_libraries(ServiceTest PRIVATE ${PLAINCAST_SYSTEMD})
+endif()
+target_include_directories(ServiceTest PRIVATE services)
 plaincast_test(ShellObjectsTest paths)
 plaincast_test(StringFormatTest strings)
 plaincast_test(StringNumbersTest strings)
@@ -110,4 +123,4 @@ set_tests_properties(ShellObjectsTest PROPERTIES WORKING_DIRECTORY ${shellobj_fo
 # them absent run one after the other, as do those of ScriptCases.h, which share a file.
 set_tests_properties(BuiltInVariablesTest CommandCasesTest FileCasesTest LanguageCasesTest
     LogMessagesTest NamedLockTest PathsTest PlainCastTest RegistryTest ScriptMessagesTest
-    SystemInfoTest PROPERTIES RESOURCE_LOCK registry)
+    ServiceTest SystemInfoTest PROPERTIES RESOURCE_LOCK registry)

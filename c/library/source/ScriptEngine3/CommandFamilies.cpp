@@ -19,6 +19,7 @@
 #include "ScriptEngine3Functions/RegistryCommands.h"
 #include "ScriptEngine3Functions/SetCommands.h"
 #include "ScriptEngine3Functions/StringCommands.h"
+#include "ScriptEngine3Functions/SystemCommands.h"
 #include "ScriptEngine3Functions/TimeCommands.h"
 #include "ScriptEngine3Functions/TreeCommands.h"
 #include "ScriptEngine3Functions/ValueCommands.h"

@@ -4,8 +4,6 @@
 #include <cstddef>
 
 #include "ScriptEngine3Defs/ScriptEngineRecord.h"
-#include "ScriptEngine3Functions/ConfigCommands.h"
-#include "ScriptEngine3Functions/EnvironmentCommands.h"
 
 namespace {
 
@@ -16,21 +14,11 @@ struct CommandName {
     char text[N];
 };
 
-// As a column of the tables: the command needs a signed file.
-constexpr bool kSigned = true;
-
 template <CommandName kName>
 int missing(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
     if (engine == nullptr || block == nullptr || args == nullptr) return kInvalidCall;
     return scriptEngineMissingCommand(engine, kName.text);
 }
-
-constexpr CommandRow kSystemCommands[] = {
-    {"getenv", scriptEngineGetEnv, 2, 2, "2"},
-    {"setenv", scriptEngineSetEnv, 2, 2, nullptr},
-    {"confpatch", scriptEngineConfPatch, 3, 3, nullptr, kInBlock, false, kSigned},
-    {"service", missing<"service">, 3, 3, "3", kInBlock, false, kSigned},
-};
 
 constexpr CommandRow kNetworkCommands[] = {
     {"connect", missing<"connect">, 3, 3, nullptr},
@@ -59,9 +47,6 @@ int scriptEngineMissingCommand(ScriptEngine* engine, const char* name) {
     return kError;
 }
 
-std::span<const CommandRow> systemCommands() {
-    return kSystemCommands;
-}
 std::span<const CommandRow> networkCommands() {
     return kNetworkCommands;
 }

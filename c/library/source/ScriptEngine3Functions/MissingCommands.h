@@ -10,5 +10,4 @@
 // Logs that the command is missing from this build; gives the status for it.
 int scriptEngineMissingCommand(ScriptEngine* engine, const char* name);
 
-std::span<const CommandRow> systemCommands();
 std::span<const CommandRow> networkCommands();
