@@ -20,20 +20,25 @@ struct OsProcess;
 
 // ---- Starting ----
 
+// A pipe for what a process prints. Its maker ends it with `osPipeClose`, unless a
+// start takes it over.
+struct OsPipe;
+int osPipeCreate(OsPipe** pipe);
+void osPipeClose(OsPipe** pipe);
+
 struct OsProcessStart {
     std::string_view commandLine;  // up to a zero byte
     bool hidden = false;           // without a window, where there are windows
-    bool pipeOutput = false;       // its standard output comes through a pipe
-    bool pipeError = false;        // the same for its error output
+    OsPipe* pipes[2] = {};         // for its outputs, in the order of OsOutput; null for ours
 };
 
-// What was under way when a start failed.
-enum class OsStartStep { Memory, Descriptor, DescriptorList, Pipe, Start };
+// ORDER start-steps: what was under way when a start failed.
+enum class OsStartStep { Memory, Descriptor, DescriptorList, Start };
 
 // Starts the program that the command line begins with. Of what is open here the
 // child gets the three standard streams, or the pipes in their place, and no
-// more; signals mean the usual to it. On failure `*process` is null and `*step`
-// tells where.
+// more; signals mean the usual to it. The pipes are taken over, also by a start
+// that fails; then `*process` is null and `*step` tells where.
 int osProcessStart(const OsProcessStart& start, OsProcess** process, OsStartStep* step);
 
 // Hands a line to the system's command interpreter and waits for its end; gives

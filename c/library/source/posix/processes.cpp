@@ -14,6 +14,7 @@
 #include <climits>
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "platform/clock.h"
 #include "posix/ChildSignals.h"
@@ -23,38 +24,44 @@
 #include "posix/ProcessTable.h"
 #include "posix/ThreadQueue.h"
 
+struct OsPipe {
+    int readEnd = -1;
+    int writeEnd = -1;
+
+    OsPipe() = default;
+    OsPipe(const OsPipe&) = delete;
+    OsPipe& operator=(const OsPipe&) = delete;
+    ~OsPipe() {
+        if (readEnd >= 0) close(readEnd);
+        closeWriteEnd();
+    }
+    void closeWriteEnd() {
+        if (writeEnd >= 0) close(writeEnd);
+        writeEnd = -1;
+    }
+};
+
 struct OsProcess {
     pid_t id = 0;
-    int descriptor = -1;      // readable with the end; -1 where there is none
-    int pipes[2] = {-1, -1};  // in the order of OsOutput
-    Child* child = nullptr;   // null for a stranger
-    bool isOwner = false;     // of the child: it was started, not opened by its id
+    int descriptor = -1;               // readable with the end; -1 where there is none
+    std::unique_ptr<OsPipe> pipes[2];  // in the order of OsOutput
+    Child* child = nullptr;            // null for a stranger
+    bool isOwner = false;              // of the child: it was started, not opened by its id
 
     OsProcess() = default;
     OsProcess(const OsProcess&) = delete;
     OsProcess& operator=(const OsProcess&) = delete;
     ~OsProcess() {
         if (descriptor >= 0) close(descriptor);
-        for (const int pipe : pipes)
-            if (pipe >= 0) close(pipe);
         if (isOwner) childLetGo(child);
     }
+    int readEnd(int at) const { return pipes[at] == nullptr ? -1 : pipes[at]->readEnd; }
 };
 
 namespace {
 
 constexpr uint32_t kTerminateWait = 100;
 constexpr int kExitOfTerminated = 1;
-
-struct Descriptor {
-    int number = -1;
-    Descriptor() = default;
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor() {
-        if (number >= 0) close(number);
-    }
-};
 
 // What a program is started with besides its words.
 class SpawnSettings {
@@ -74,6 +81,11 @@ class SpawnSettings {
     void replace(int stream, int descriptor) {
         if (error_ == 0) error_ = posix_spawn_file_actions_adddup2(&actions_, descriptor, stream);
     }
+    // What others left open in us is not for the program either.
+    void closeTheRest() {
+        if (error_ == 0)
+            error_ = posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
+    }
     int spawn(const char* program, char* const* words, pid_t* id) {
         return error_ != 0 ? error_
                            : posix_spawn(id, program, &actions_, &attributes_, words, environ);
@@ -84,15 +96,6 @@ class SpawnSettings {
     posix_spawnattr_t attributes_;
     int error_;
 };
-
-int makePipe(int* readEnd, int* writeEnd) {
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0) return errno;
-    fcntl(ends[0], F_SETFL, O_NONBLOCK);
-    *readEnd = ends[0];
-    *writeEnd = ends[1];
-    return 0;
-}
 
 // Whoever started us may have had the system reap in our place.
 void keepChildren() {
@@ -149,25 +152,46 @@ bool pollUntil(pollfd* entries, nfds_t count, uint64_t end) {
 
 }  // namespace
 
+int osPipeCreate(OsPipe** pipe) {
+    *pipe = nullptr;
+    std::unique_ptr<OsPipe> made(new (std::nothrow) OsPipe);
+    int ends[2];
+    if (made == nullptr) return ENOMEM;
+    if (pipe2(ends, O_CLOEXEC) != 0) return errno;
+    fcntl(ends[0], F_SETFL, O_NONBLOCK);
+    made->readEnd = ends[0];
+    made->writeEnd = ends[1];
+    *pipe = made.release();
+    return 0;
+}
+
+void osPipeClose(OsPipe** pipe) {
+    if (pipe == nullptr) return;
+    delete *pipe;
+    *pipe = nullptr;
+}
+
 int osProcessStart(const OsProcessStart& start, OsProcess** process, OsStartStep* step) {
     *process = nullptr;
+    std::unique_ptr<OsPipe> pipes[] = {std::unique_ptr<OsPipe>(start.pipes[0]),
+                                       std::unique_ptr<OsPipe>(start.pipes[1])};
     std::unique_ptr<OsProcess> made(new (std::nothrow) OsProcess);
     if (made != nullptr) made->child = childCreate();
     if (made == nullptr || made->child == nullptr) return fail(step, OsStartStep::Memory, ENOMEM);
     made->isOwner = true;
     CommandWords words(start.commandLine);
     SpawnSettings settings;
-    Descriptor writeEnds[2];
-    const bool piped[] = {start.pipeOutput, start.pipeError};
     for (int at = 0; at < 2; ++at) {
-        if (!piped[at]) continue;
-        const int error = makePipe(&made->pipes[at], &writeEnds[at].number);
-        if (error != 0) return fail(step, OsStartStep::Pipe, error);
-        settings.replace(STDOUT_FILENO + at, writeEnds[at].number);
+        if (pipes[at] == nullptr) continue;
+        settings.replace(STDOUT_FILENO + at, pipes[at]->writeEnd);
+        made->pipes[at] = std::move(pipes[at]);
     }
+    settings.closeTheRest();
     const int error = spawnWords(&words, &settings, &made->id);
     if (error != 0) return fail(step, OsStartStep::Start, error);
     childStarted(made->child, made->id);
+    for (const std::unique_ptr<OsPipe>& pipe : made->pipes)
+        if (pipe != nullptr) pipe->closeWriteEnd();
     made->descriptor = posixProcessDescriptor(made->id);
     *process = made.release();
     return 0;
@@ -232,7 +256,7 @@ int osProcessExitCode(OsProcess* process, bool* ended, uint32_t* exitCode) {
 
 unsigned osProcessWait(OsProcess* process, unsigned wanted, OsEvent* event, uint32_t milliseconds) {
     const unsigned meanings[] = {kOsWakeEnd, kOsWakeOutput, kOsWakeError, kOsWakeEvent};
-    const int descriptors[] = {process->descriptor, process->pipes[0], process->pipes[1],
+    const int descriptors[] = {process->descriptor, process->readEnd(0), process->readEnd(1),
                                posixEventDescriptor(event)};
     pollfd entries[4];
     for (int at = 0; at < 4; ++at) {
@@ -256,7 +280,7 @@ int osProcessRead(OsProcess* process, OsOutput output, void* buffer, size_t size
     *got = 0;
     *atEnd = false;
     ssize_t count;
-    do count = read(process->pipes[output == OsOutput::Standard ? 0 : 1], buffer, size);
+    do count = read(process->readEnd(static_cast<int>(output)), buffer, size);
     while (count < 0 && errno == EINTR);
     if (count < 0) return errno == EAGAIN ? 0 : errno;
     *got = static_cast<size_t>(count);

@@ -1,6 +1,7 @@
 #include "processes/Process.h"
 
 #include <string>
+#include <utility>
 
 #include "containers/Memory.h"
 #include "logger/StandardOutput.h"
@@ -54,8 +55,10 @@ bool buildCommandLine(const Process* process, String* line) {
 
 // ORDER start-steps: the messages for OsStartStep.
 constexpr const char* kStartFailures[] = {
-    "processStart: #::100",        "processStart: #::1300",       "processStart: #::1301",
-    "processStart: #::1302 #::14", "processStart: #::1302 #::14",
+    "processStart: #::100",
+    "processStart: #::1300",
+    "processStart: #::1301",
+    "processStart: #::1302 #::14",
 };
 
 bool startFailed(const Process* process, OsStartStep step, int error) {
@@ -82,12 +85,11 @@ void readProgram(Process* process) {
     osProcessViewClose(&view);
 }
 
-bool askForPipe(Process* process, bool Process::*piped) {
-    if (process == nullptr) return false;
-    if (process->*piped) return true;
+bool makePipe(Process* process, bool* piped, OsPipe** pipe) {
+    if (*piped) return true;
     if (process->state != kProcessNotStarted) return false;
-    process->*piped = true;
-    return true;
+    *piped = osPipeCreate(pipe) == 0;
+    return *piped;
 }
 
 bool readPipe(Process* process, bool isPiped, OsOutput output, unsigned wake, String* out) {
@@ -149,15 +151,17 @@ void processDestroy(Process** process) {
     logTrace(dead->logger, "Process %i: Destroying object", numberOf(dead));
     logDestroy(&dead->logger);
     osProcessClose(&dead->handle);
+    osPipeClose(&dead->stdoutPipe);
+    osPipeClose(&dead->stderrPipe);
     memDelete(process);
 }
 
 bool processPipeStdout(Process* process) {
-    return askForPipe(process, &Process::stdoutPiped);
+    return process != nullptr && makePipe(process, &process->stdoutPiped, &process->stdoutPipe);
 }
 
 bool processPipeStderr(Process* process) {
-    return askForPipe(process, &Process::stderrPiped);
+    return process != nullptr && makePipe(process, &process->stderrPiped, &process->stderrPipe);
 }
 
 bool processStart(Process* process) {
@@ -172,8 +176,8 @@ bool processStart(Process* process) {
     OsProcessStart start;
     start.commandLine = stringView(&line);
     start.hidden = process->hidden;
-    start.pipeOutput = process->stdoutPiped;
-    start.pipeError = process->stderrPiped;
+    start.pipes[0] = std::exchange(process->stdoutPipe, nullptr);
+    start.pipes[1] = std::exchange(process->stderrPipe, nullptr);
     outputFlush();
     OsStartStep step = OsStartStep::Start;
     osProcessClose(&process->handle);

@@ -11,6 +11,7 @@
 // tolerates null and then fails. All are called on one thread.
 
 struct String;
+struct OsPipe;
 struct OsProcess;
 
 // Values 2 and 3 are nobody's, and count as not running.
@@ -28,7 +29,9 @@ struct Process {
     Vector* arguments = nullptr;  // owned, of owned Strings: tokens as they stand
     bool stdoutPiped = false;
     bool stderrPiped = false;
-    OsProcess* handle = nullptr;  // owned, with the reading ends of the pipes
+    OsPipe* stdoutPipe = nullptr;  // owned; until the start
+    OsPipe* stderrPipe = nullptr;  // the same
+    OsProcess* handle = nullptr;   // owned, with the reading ends of the pipes
     uint32_t pid = 0;
     uint32_t tid = 0;  // of its main thread
     int state = kProcessNotStarted;
@@ -58,7 +61,8 @@ struct OwnedTraits<Process> {
     static void destroy(Process** process) { processDestroy(process); }
 };
 
-// Asks for a pipe behind the process's output or error output. Before the start only.
+// Makes a pipe for the process's output or error output. True when there is one;
+// false when it cannot be made, and after the start.
 bool processPipeStdout(Process* process);
 bool processPipeStderr(Process* process);
 

@@ -5,17 +5,39 @@
 #include <cstdlib>
 #include <memory>
 #include <new>
+#include <utility>
 
 #include "platform/clock.h"
 #include "windows/ReadPipe.h"
 #include "windows/WaitEvent.h"
 
+namespace {
+
+struct Handle {
+    HANDLE value = nullptr;
+    Handle() = default;
+    Handle(const Handle&) = delete;
+    Handle& operator=(const Handle&) = delete;
+    ~Handle() { close(); }
+    void close() {
+        if (value != nullptr) CloseHandle(value);
+        value = nullptr;
+    }
+};
+
+}  // namespace
+
+struct OsPipe {
+    ReadPipe reader;
+    Handle writeEnd;  // can be inherited
+};
+
 struct OsProcess {
     HANDLE handle = nullptr;
     DWORD id = 0;
     DWORD threadId = 0;
-    bool isStarted = false;              // here, and not opened by its id
-    std::unique_ptr<ReadPipe> pipes[2];  // in the order of OsOutput
+    bool isStarted = false;            // here, and not opened by its id
+    std::unique_ptr<OsPipe> pipes[2];  // in the order of OsOutput
 
     OsProcess() = default;
     OsProcess(const OsProcess&) = delete;
@@ -33,6 +55,8 @@ struct OsProcess {
 namespace {
 
 constexpr DWORD kTerminateWait = 100;
+// Later systems added rights to the name for all of them.
+constexpr DWORD kAllAccess = 0x1F0FFF;
 constexpr UINT kExitOfTerminated = 1;
 constexpr DWORD kDescriptorRevision = 1;
 constexpr int kStreams = 3;
@@ -41,18 +65,6 @@ constexpr DWORD kStreamIds[kStreams] = {STD_INPUT_HANDLE, STD_OUTPUT_HANDLE, STD
 int lastError() {
     return static_cast<int>(GetLastError());
 }
-
-struct Handle {
-    HANDLE value = nullptr;
-    Handle() = default;
-    Handle(const Handle&) = delete;
-    Handle& operator=(const Handle&) = delete;
-    ~Handle() { close(); }
-    void close() {
-        if (value != nullptr) CloseHandle(value);
-        value = nullptr;
-    }
-};
 
 // Opens the new process and its thread to everyone.
 class OpenDescriptor {
@@ -82,23 +94,37 @@ class OpenDescriptor {
 };
 
 // The streams of a child: copies of ours, or pipes, that it can inherit.
-struct ChildStreams {
-    Handle ends[kStreams];
-
-    void copyOwn(int stream) {
-        const HANDLE own = GetStdHandle(kStreamIds[stream]);
-        if (own == nullptr || own == INVALID_HANDLE_VALUE) return;
-        if (!DuplicateHandle(GetCurrentProcess(), own, GetCurrentProcess(), &ends[stream].value, 0,
-                             TRUE, DUPLICATE_SAME_ACCESS))
-            ends[stream].value = nullptr;
+class ChildStreams {
+  public:
+    explicit ChildStreams(OsProcess* process) {
+        for (int stream = 0; stream < kStreams; ++stream) {
+            OsPipe* pipe = stream == 0 ? nullptr : process->pipes[stream - 1].get();
+            if (pipe != nullptr)
+                ends_[stream] = pipe->writeEnd.value;
+            else
+                copyOwn(stream);
+        }
     }
+    HANDLE end(int stream) const { return ends_[stream]; }
     // Gives the handles that there are, and their number.
     DWORD list(HANDLE* handles) const {
         DWORD count = 0;
-        for (const Handle& end : ends)
-            if (end.value != nullptr) handles[count++] = end.value;
+        for (const HANDLE end : ends_)
+            if (end != nullptr) handles[count++] = end;
         return count;
     }
+
+  private:
+    void copyOwn(int stream) {
+        const HANDLE own = GetStdHandle(kStreamIds[stream]);
+        if (own == nullptr || own == INVALID_HANDLE_VALUE) return;
+        if (DuplicateHandle(GetCurrentProcess(), own, GetCurrentProcess(), &copies_[stream].value,
+                            0, TRUE, DUPLICATE_SAME_ACCESS))
+            ends_[stream] = copies_[stream].value;
+    }
+
+    HANDLE ends_[kStreams] = {};
+    Handle copies_[kStreams];
 };
 
 // The list of what a child inherits: nothing else that happens to be open.
@@ -133,24 +159,8 @@ class InheritList {
     alignas(16) char memory_[256];
 };
 
-int makePipes(const OsProcessStart& start, OsProcess* process, ChildStreams* streams) {
-    const bool piped[] = {start.pipeOutput, start.pipeError};
-    streams->copyOwn(0);
-    for (int at = 0; at < 2; ++at) {
-        if (!piped[at]) {
-            streams->copyOwn(at + 1);
-            continue;
-        }
-        process->pipes[at].reset(new (std::nothrow) ReadPipe);
-        if (process->pipes[at] == nullptr) return ERROR_NOT_ENOUGH_MEMORY;
-        const int error = process->pipes[at]->create(&streams->ends[at + 1].value);
-        if (error != 0) return error;
-    }
-    return 0;
-}
-
-int createProcess(const OsProcessStart& start, OsProcess* process, OpenDescriptor* descriptor,
-                  const ChildStreams& streams) {
+int createProcess(const OsProcessStart& start, OsProcess* process, OpenDescriptor* descriptor) {
+    const ChildStreams streams(process);
     InheritList inherited;
     const int error = inherited.make(streams);
     if (error != 0) return error;
@@ -159,9 +169,9 @@ int createProcess(const OsProcessStart& start, OsProcess* process, OpenDescripto
     startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
     if (start.hidden) startup.StartupInfo.dwFlags |= STARTF_USESHOWWINDOW;
     startup.StartupInfo.wShowWindow = SW_HIDE;  // counts with its flag
-    startup.StartupInfo.hStdInput = streams.ends[0].value;
-    startup.StartupInfo.hStdOutput = streams.ends[1].value;
-    startup.StartupInfo.hStdError = streams.ends[2].value;
+    startup.StartupInfo.hStdInput = streams.end(0);
+    startup.StartupInfo.hStdOutput = streams.end(1);
+    startup.StartupInfo.hStdError = streams.end(2);
     startup.lpAttributeList = inherited.list();
     std::string line(start.commandLine.substr(0, start.commandLine.find('\0')));
     PROCESS_INFORMATION made{};
@@ -183,24 +193,40 @@ bool hasEnded(OsProcess* process, DWORD* exitCode) {
 
 }  // namespace
 
+int osPipeCreate(OsPipe** pipe) {
+    *pipe = nullptr;
+    std::unique_ptr<OsPipe> made(new (std::nothrow) OsPipe);
+    if (made == nullptr) return ERROR_NOT_ENOUGH_MEMORY;
+    const int error = made->reader.create(&made->writeEnd.value);
+    if (error == 0) *pipe = made.release();
+    return error;
+}
+
+void osPipeClose(OsPipe** pipe) {
+    if (pipe == nullptr) return;
+    delete *pipe;
+    *pipe = nullptr;
+}
+
 int osProcessStart(const OsProcessStart& start, OsProcess** process, OsStartStep* step) {
     *process = nullptr;
     *step = OsStartStep::Memory;
+    std::unique_ptr<OsPipe> pipes[] = {std::unique_ptr<OsPipe>(start.pipes[0]),
+                                       std::unique_ptr<OsPipe>(start.pipes[1])};
     std::unique_ptr<OsProcess> made(new (std::nothrow) OsProcess);
     if (made == nullptr) return ERROR_NOT_ENOUGH_MEMORY;
+    for (int at = 0; at < 2; ++at) made->pipes[at] = std::move(pipes[at]);
     OpenDescriptor descriptor;
     int error = descriptor.make(step);
     if (error != 0) return error;
-    ChildStreams streams;
-    *step = OsStartStep::Pipe;
-    error = makePipes(start, made.get(), &streams);
-    if (error != 0) return error;
     *step = OsStartStep::Start;
-    error = createProcess(start, made.get(), &descriptor, streams);
+    error = createProcess(start, made.get(), &descriptor);
     if (error != 0) return error;
-    for (Handle& end : streams.ends) end.close();
-    for (const std::unique_ptr<ReadPipe>& pipe : made->pipes)
-        if (pipe != nullptr) pipe->start();
+    for (const std::unique_ptr<OsPipe>& pipe : made->pipes) {
+        if (pipe == nullptr) continue;
+        pipe->writeEnd.close();
+        pipe->reader.start();
+    }
     *process = made.release();
     return 0;
 }
@@ -217,7 +243,7 @@ int osProcessOpen(uint32_t id, OsProcess** process) {
     if (opened == nullptr) return ERROR_NOT_ENOUGH_MEMORY;
     // The system takes any number for the multiple of four below it.
     if (id == 0 || id % 4 != 0) return ERROR_INVALID_PARAMETER;
-    opened->handle = OpenProcess(PROCESS_ALL_ACCESS, TRUE, id);
+    opened->handle = OpenProcess(kAllAccess, TRUE, id);
     if (opened->handle == nullptr) return lastError();
     opened->id = id;
     *process = opened.release();
@@ -255,8 +281,8 @@ unsigned osProcessWait(OsProcess* process, unsigned wanted, OsEvent* event, uint
         handles[count] = handle;
         meanings[count++] = meaning;
     };
-    if ((wanted & kOsWakeOutput) != 0) add(process->pipes[0]->event(), kOsWakeOutput);
-    if ((wanted & kOsWakeError) != 0) add(process->pipes[1]->event(), kOsWakeError);
+    if ((wanted & kOsWakeOutput) != 0) add(process->pipes[0]->reader.event(), kOsWakeOutput);
+    if ((wanted & kOsWakeError) != 0) add(process->pipes[1]->reader.event(), kOsWakeError);
     if (event != nullptr) add(windowsEventHandle(event), kOsWakeEvent);
     // One that has ended with the code of a running process would end each wait at once.
     DWORD code = 0;
@@ -280,7 +306,7 @@ unsigned osProcessWait(OsProcess* process, unsigned wanted, OsEvent* event, uint
 
 int osProcessRead(OsProcess* process, OsOutput output, void* buffer, size_t size, size_t* got,
                   bool* atEnd) {
-    return process->pipes[output == OsOutput::Standard ? 0 : 1]->take(buffer, size, got, atEnd);
+    return process->pipes[static_cast<int>(output)]->reader.take(buffer, size, got, atEnd);
 }
 
 int osProcessTerminate(OsProcess* process) {
