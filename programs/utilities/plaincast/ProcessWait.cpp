@@ -1,7 +1,6 @@
 #include "ProcessWait.h"
 
 #include <cmath>
-#include <string>
 
 #include "ScriptEngine3Functions/ContainerArguments.h"
 #include "containers/GrowArray.h"
@@ -10,6 +9,7 @@
 #include "processes/ProcessCpp.h"
 #include "processes/ProcessTable.h"
 #include "strings/StringMatch.h"
+#include "strings/StringNumbers.h"
 #include "threads/QuitFlag.h"
 #include "time/Time.h"
 
@@ -85,7 +85,7 @@ class ProcessWait {
     bool isExcluded(const ProcessInfo* info) const {
         for (const String* text : exclusions_) {
             const std::string_view view = stringView(text);
-            if (view.starts_with('#') ? view.substr(1) == std::to_string(info->pid)
+            if (view.starts_with('#') ? textToUInt32(view.substr(1)) == info->pid
                                       : fits(info->exe, text))
                 return true;
         }
@@ -100,8 +100,10 @@ class ProcessWait {
 void waitForNext(const Vector* found) {
     const auto* first = static_cast<const ProcessInfo*>(vectorGet(found, 0));
     Owned<Process> process(processInitPid(first->pid, 0));
-    if (!process) return;  // gone already
-    processWaitEnd(process.get(), kLookMilliseconds);
+    if (process)
+        processWaitEnd(process.get(), kLookMilliseconds);
+    else  // gone already, or not to be opened by us
+        sleepInterruptible(kLookMilliseconds);
 }
 
 }  // namespace
