@@ -10,21 +10,22 @@
 #include <vector>
 
 #include "platform/machine.h"
+#include "processes/ProcessCpp.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-// Takes the lock, tells so, and ends when it may: by itself or by a fault.
+// Takes the lock, starts a program that lives on, tells so, and ends when it may.
 constexpr const char* kHolder = R"(
 function main
   string line
+  number own child thread
   setlock "NamedLockTest é/:%" "wait"
-  strtofile "held" "held.txt"
+  getpid own
+  spawn "\")" PLAINCAST_CHILD R"(\"" "sleep 60000" line child thread
+  strtofile ( own . " " . child . " ." ) "held.txt"
   query "" "" line
-  if ( line == "die" )
-    eval ( 1 % 0 )
-  end
 end
 )";
 
@@ -115,18 +116,24 @@ TEST_F(NamedLockTest, NamesThatDifferAreDifferentLocks) {
 
 TEST_F(NamedLockTest, IsFreeWhenItsHolderHasEndedHowever) {
     const Owned<NamedLock> lock = lockNamed("NamedLockTest é/:%");
-    for (const char* line : {"end\n", "die\n"}) {
+    for (const bool killed : {false, true}) {
         FILE* holder = start("holder.qcs");
         ASSERT_NE(nullptr, holder);
-        while (!fs::exists("held.txt")) std::this_thread::yield();
+        uint32_t own = 0;
+        uint32_t child = 0;
+        for (std::string end; end != "."; std::ifstream("held.txt") >> own >> child >> end)
+            std::this_thread::yield();
         EXPECT_FALSE(namedLockTake(lock.get()));
         std::thread wait([&] {
-            EXPECT_TRUE(namedLockTakeWaiting(lock.get())) << line;
-            EXPECT_TRUE(namedLockRelease(lock.get())) << line;
+            EXPECT_TRUE(namedLockTakeWaiting(lock.get())) << killed;
+            EXPECT_TRUE(namedLockRelease(lock.get())) << killed;
         });
-        fputs(line, holder);
+        if (killed) Quorel::ProcessCpp(own, 0).terminate();
+        fputs("end\n", holder);
         pclose(holder);
         wait.join();
+        Owned<Process> survivor(processInitPid(child, 0));
+        EXPECT_TRUE(processTerm(survivor.get())) << "the program that the holder started";
         fs::remove("held.txt");
     }
 }

@@ -32,10 +32,10 @@ if(WIN32)
 else()
     plaincast_test(NamedLockFolderTest threads)
 endif()
-plaincast_test(NamedLockTest threads)
+plaincast_test(NamedLockTest processes)
 target_compile_definitions(NamedLockTest PRIVATE
     PLAINCAST_PROGRAM="$<TARGET_FILE:quorel_plaincast>")
-add_dependencies(NamedLockTest quorel_plaincast)
+add_dependencies(NamedLockTest quorel_plaincast quorel_testchild)
 plaincast_test(PathOperationsTest paths)
 plaincast_test(PathTreeTest pathtree)
 if(WIN32)
@@ -106,8 +106,10 @@ plaincast_test(VectorTest containers)
 plaincast_test(ZFileTest files)
 configure_file(${PROJECT_SOURCE_DIR}/programs/utilities/plaincast/logmsg.conf
     ${CMAKE_CURRENT_BINARY_DIR}/logmsg.conf COPYONLY)  # LogMessagesTest reads it
-target_compile_definitions(ProcessTest PRIVATE
-    PLAINCAST_CHILD="${CMAKE_BINARY_DIR}/quorel_testchild${CMAKE_EXECUTABLE_SUFFIX}")
+foreach(test NamedLockTest ProcessTest)
+    target_compile_definitions(${test} PRIVATE
+        PLAINCAST_CHILD="${CMAKE_BINARY_DIR}/quorel_testchild${CMAKE_EXECUTABLE_SUFFIX}")
+endforeach()
 target_compile_definitions(PlainCastTest PRIVATE
     PLAINCAST_PROGRAM="$<TARGET_FILE:quorel_plaincast>")
 add_dependencies(PlainCastTest quorel_plaincast)
