@@ -19,6 +19,7 @@ if(NOT WIN32)
     add_test(NAME ConfigSaves COMMAND ${PROJECT_SOURCE_DIR}/tests/soak/config_saves
         $<TARGET_FILE:quorel_plaincast> 15)
 endif()
+plaincast_test(CryptTest crypt)
 plaincast_test(EngineFaultTest ScriptEngine3)
 plaincast_test(FileCasesTest ScriptEngine3 logmessages)
 plaincast_test(LanguageCasesTest ScriptEngine3 logmessages)
