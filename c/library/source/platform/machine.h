@@ -63,7 +63,12 @@ bool osEnablePrivilege(const char* name);
 
 // Local groups, and the users in one of them, those with it as primary group included.
 bool osGroups(std::vector<std::string>* groups);
+// Users by the names that they have on this machine, without a domain in front.
 bool osGroupMembers(std::string_view group, std::vector<std::string>* members);
+
+// The local groups that list the user, and the user's primary group. A group that
+// cannot be read is passed over.
+bool osUserGroups(std::string_view user, std::vector<std::string>* groups);
 
 // A variable of the process's environment; false when it is not set.
 bool osGetEnvironment(std::string_view name, std::string* value);

@@ -22,6 +22,30 @@ struct UserWalk {
     ~UserWalk() { endpwent(); }
 };
 
+// An end and a failure look alike, but for the error number; that of an end can
+// be one that nothing is wrong with.
+bool lookFailed(int error) {
+    return error == EIO || error == EINTR || error == EMFILE || error == ENFILE || error == ENOMEM;
+}
+
+// Calls `each` for every group. False when the groups cannot be read.
+template <typename Each>
+bool walkGroups(Each each) {
+    GroupWalk walk;
+    for (;;) {
+        errno = 0;
+        const group* entry = getgrent();
+        if (entry == nullptr) return !lookFailed(errno);
+        each(*entry);
+    }
+}
+
+bool lists(const group& entry, std::string_view user) {
+    for (char** member = entry.gr_mem; *member != nullptr; ++member)
+        if (user == *member) return true;
+    return false;
+}
+
 void addOnce(std::vector<std::string>* names, const char* name) {
     if (std::find(names->begin(), names->end(), name) == names->end()) names->push_back(name);
 }
@@ -52,10 +76,21 @@ bool posixUserName(uid_t wanted, std::string* name) {
 }
 
 bool osGroups(std::vector<std::string>* groups) {
-    GroupWalk walk;
     groups->clear();
-    while (const group* entry = getgrent()) addOnce(groups, entry->gr_name);
-    return true;
+    return walkGroups([&](const group& entry) { addOnce(groups, entry.gr_name); });
+}
+
+bool osUserGroups(std::string_view user, std::vector<std::string>* groups) {
+    errno = 0;
+    const passwd* account = getpwnam(std::string(user).c_str());
+    const bool hasPrimary = account != nullptr;
+    if (!hasPrimary && lookFailed(errno)) return false;
+    const gid_t primary = hasPrimary ? account->pw_gid : 0;
+    groups->clear();
+    return walkGroups([&](const group& entry) {
+        if ((hasPrimary && entry.gr_gid == primary) || lists(entry, user))
+            addOnce(groups, entry.gr_name);
+    });
 }
 
 bool osGroupMembers(std::string_view groupName, std::vector<std::string>* members) {

@@ -8,11 +8,6 @@
 
 namespace {
 
-// A member may be given with its domain in front.
-std::string withoutDomain(const std::string& member) {
-    return member.substr(member.find('\\') + 1);
-}
-
 bool addName(Vector* names, std::string_view name) {
     Owned<String> text(stringFromView(name));
     if (!text || !vectorAppend(names, text.get())) return false;
@@ -29,15 +24,6 @@ Vector* vectorOfNames(const std::vector<std::string>& names) {
     return result;
 }
 
-bool isMember(std::string_view group, std::string_view user) {
-    std::vector<std::string> members;
-    if (!osGroupMembers(group, &members)) return false;
-    for (const std::string& member : members) {
-        if (withoutDomain(member) == user) return true;
-    }
-    return false;
-}
-
 }  // namespace
 
 Vector* sysGetGroups() {
@@ -48,18 +34,13 @@ Vector* sysGetGroups() {
 Vector* sysGetGroupMembers(const String* group) {
     std::vector<std::string> members;
     if (group == nullptr || !osGroupMembers(stringView(group), &members)) return nullptr;
-    for (std::string& member : members) member = withoutDomain(member);
     return vectorOfNames(members);
 }
 
 Vector* sysGetUserGroups(const String* user) {
     std::vector<std::string> groups;
-    if (user == nullptr || !osGroups(&groups)) return nullptr;
-    std::vector<std::string> found;
-    for (const std::string& group : groups) {
-        if (isMember(group, stringView(user))) found.push_back(group);
-    }
-    return vectorOfNames(found);
+    if (user == nullptr || !osUserGroups(stringView(user), &groups)) return nullptr;
+    return vectorOfNames(groups);
 }
 
 void sysDestroyNames(Vector** names) {

@@ -5,6 +5,7 @@
 #include <lm.h>
 #include <shlobj.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 namespace {
@@ -232,8 +233,21 @@ bool osGroupMembers(std::string_view group, std::vector<std::string>* members) {
     for (DWORD i = 0; records != nullptr && i < count; ++i) {
         std::string member;
         if (localText(records[i].lgrmi3_domainandname, kLongestGroupName, &member)) {
-            members->push_back(member);
+            members->push_back(member.substr(member.find('\\') + 1));
         }
+    }
+    return true;
+}
+
+bool osUserGroups(std::string_view user, std::vector<std::string>* groups) {
+    std::vector<std::string> all;
+    if (!osGroups(&all)) return false;
+    groups->clear();
+    for (const std::string& group : all) {
+        std::vector<std::string> members;
+        if (osGroupMembers(group, &members) &&
+            std::find(members.begin(), members.end(), user) != members.end())
+            groups->push_back(group);
     }
     return true;
 }
