@@ -17,6 +17,8 @@ namespace {
 // The declarators, the operators, calls, loops and failures, densely. Global
 // statements run once in a process, so nothing hangs on them here.
 constexpr const char* kScript = R"(
+signature [NON:]
+limit +u:$qrx +U:a;$qrx +t:2009-01-01;
 string file.level
 function add first second
   eval ( total = first + second )

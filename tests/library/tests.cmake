@@ -82,6 +82,10 @@ else()
     target_link_libraries(ServiceTest PRIVATE ${PLAINCAST_SYSTEMD})
 endif()
 target_include_directories(ServiceTest PRIVATE services)
+plaincast_test(ScriptTrustTest ScriptEngine3 logmessages)
+target_compile_definitions(ScriptTrustTest PRIVATE
+    PLAINCAST_PROGRAM="$<TARGET_FILE:quorel_plaincast>")
+add_dependencies(ScriptTrustTest quorel_plaincast)
 plaincast_test(ShellObjectsTest paths)
 plaincast_test(StringFormatTest strings)
 plaincast_test(StringNumbersTest strings)
@@ -126,4 +130,4 @@ set_tests_properties(ShellObjectsTest PROPERTIES WORKING_DIRECTORY ${shellobj_fo
 # them absent run one after the other, as do those of ScriptCases.h, which share a file.
 set_tests_properties(BuiltInVariablesTest CommandCasesTest FileCasesTest LanguageCasesTest
     LogMessagesTest NamedLockTest PathsTest PlainCastTest RegistryTest ScriptMessagesTest
-    ServiceTest SystemInfoTest PROPERTIES RESOURCE_LOCK registry)
+    ScriptTrustTest ServiceTest SystemInfoTest PROPERTIES RESOURCE_LOCK registry)

@@ -4,20 +4,13 @@
 #include "ScriptEngine3/CommandTable.h"
 #include "ScriptEngine3/SourceFiles.h"
 #include "ScriptEngine3/SourceReader.h"
+#include "ScriptEngine3/TrustDirectives.h"
 #include "ScriptEngine3Expressions/ExpressionParser.h"
 #include "strings/StringEdit.h"
 
 namespace {
 
 constexpr std::string_view kMainFunction = "main";
-constexpr std::string_view kEndOfBody = "end";
-constexpr std::string_view kBlockOpeners[] = {"if", "elseif", "else", "while", "for"};
-
-bool opensBlock(std::string_view word) {
-    for (const std::string_view opener : kBlockOpeners)
-        if (word == opener) return true;
-    return false;
-}
 
 // One file at file level.
 class FileParser {
@@ -37,9 +30,8 @@ class FileParser {
     bool function();
     bool functionBody(std::string_view words, uint32_t lineNumber);
     bool parameters(std::string_view words, uint32_t lineNumber, ScriptBlock* body);
-    void skipFunction();
     bool globalStatement();
-    bool missingDirective();
+    bool trusted(bool (*directive)(const TrustDirective& directive));
     // Reports a failure of the statement; `format` ends in its line and file.
     template <typename... Args>
     bool fail(const char* format, const Args&... args) {
@@ -60,7 +52,9 @@ class FileParser {
 bool FileParser::parse() {
     while (reader_.readLine())
         if (!statement()) return false;
-    return true;
+    if (reader_.end() == SourceEnd::NoMemory) return false;
+    bfileClose(source_->file.get());
+    return trustSettle(engine_, path(), source_->index);
 }
 
 bool FileParser::statement() {
@@ -88,22 +82,20 @@ bool FileParser::dispatch() {
         case kDirectiveFunction:
             return function();
         case kDirectiveSignature:
+            return trusted(trustSignature);
         case kDirectiveLimit:
+            return trusted(trustLimit);
         case kDirectiveUser:
+            return trusted(trustUser);
         case kDirectiveGroup:
-            return missingDirective();
+            return trusted(trustGroup);
         default:
             return globalStatement();
     }
 }
 
-// A script that states who may run it must not run unchecked.
-bool FileParser::missingDirective() {
-    logError(engine_->logger,
-             "scriptEngineParse: The command \"%S\" is missing from this build. See line %u in "
-             "file \"%S\"",
-             statement_.name, reader_.lineNumber(), path());
-    return false;
+bool FileParser::trusted(bool (*directive)(const TrustDirective& directive)) {
+    return directive({engine_, &reader_, &statement_, path(), source_->index});
 }
 
 bool FileParser::globalStatement() {
@@ -135,7 +127,10 @@ bool FileParser::include() {
     Owned<String> name(stringFromView(statement_.args[0]));
     stringUnquote(name.get());
     const SourceFile& source = engine_->sources[source_->index];
-    if (name && scriptEngineParse(engine_, name.get(), source.directory, false)) return true;
+    if (name && scriptEngineParse(engine_, name.get(), source.directory, false)) {
+        trustHashLines(engine_, &reader_, source_->index);
+        return true;
+    }
     logError(engine_->logger, "scriptEngineParse: #::1118", name.get(), lineNumber, path());
     return false;
 }
@@ -144,7 +139,7 @@ bool FileParser::function() {
     const std::string_view name = statement_.args[0];
     const uint32_t lineNumber = reader_.lineNumber();
     if (!isMain_ && name == kMainFunction) {
-        skipFunction();
+        reader_.skipFunction();
         return true;
     }
     NameTable& names = engine_->parseTables->functionNames;
@@ -213,19 +208,6 @@ bool FileParser::parameters(std::string_view words, uint32_t lineNumber, ScriptB
             return fail("scriptEngineParse: #::100");
     }
     return true;
-}
-
-// None of the lines is looked at but for where blocks open and end.
-void FileParser::skipFunction() {
-    int depth = 1;
-    while (depth > 0 && reader_.readLine()) {
-        const std::string_view line = reader_.line();
-        const std::string_view word = line.substr(0, line.find(' '));
-        if (word == kEndOfBody)
-            --depth;
-        else if (opensBlock(word))
-            ++depth;
-    }
 }
 
 }  // namespace

@@ -3,12 +3,8 @@
 #include "ScriptEngine3/ArgumentScanner.h"
 #include "ScriptEngine3/CommandTable.h"
 #include "ScriptEngine3Expressions/ExpressionParser.h"
-#include "strings/StringEdit.h"
 
 namespace {
-
-constexpr uint32_t kLineLimit = 10000;
-constexpr char kComment = '#';
 
 // The statement as it was understood, an expression shown in its parentheses.
 void traceStatement(ScriptEngine* engine, const SourceStatement& statement) {
@@ -27,46 +23,10 @@ void traceStatement(ScriptEngine* engine, const SourceStatement& statement) {
 }  // namespace
 
 SourceReader::SourceReader(ScriptEngine* engine, BasicFile* file, const String* path)
-    : engine_(engine), file_(file), path_(path) {}
+    : SourceLines(engine->logger, file, path), engine_(engine) {}
 
 SourceReader::~SourceReader() {
-    stringRelease(&line_);
     stringRelease(&tokens_);
-}
-
-bool SourceReader::readLine() {
-    while (!ended_) {
-        const FileStatus status = bfileReadLine(file_, &line_, kLineLimit);
-        if (status != kFileDone) {
-            ended_ = true;
-            if (status == kFileAtEnd) return false;
-            logError(engine_->logger, "scriptEngineReadLine: #::204", path_);
-            logLocation(engine_->logger, kLogError);
-            return false;
-        }
-        stringTrim(&line_);
-        if (!stringIsEmpty(&line_) && stringBytes(&line_)[0] != kComment) return cutComment();
-    }
-    return false;
-}
-
-// The scan begins behind the first byte, which counts for nothing: a line that
-// begins with a quote has the sides of its strings the wrong way round.
-bool SourceReader::cutComment() {
-    bool inString = false;
-    for (uint32_t at = 1; at < line_.length; ++at) {
-        const char c = stringBytes(&line_)[at];
-        if (c == '\\') {
-            ++at;
-        } else if (c == '"') {
-            inString = !inString;
-        } else if (c == kComment && !inString) {
-            stringSetLength(&line_, at);
-            stringTrimRight(&line_);
-            break;
-        }
-    }
-    return true;
 }
 
 bool SourceReader::processLine(SourceStatement* statement) {

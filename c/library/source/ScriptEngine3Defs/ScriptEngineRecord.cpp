@@ -1,5 +1,6 @@
 #include "ScriptEngine3Defs/ScriptEngineRecord.h"
 
+#include "ScriptEngine3Defs/ScriptHash.h"
 #include "strings/StringCompare.h"
 #include "threads/NamedLock.h"
 
@@ -26,6 +27,9 @@ void destroyFunctions(ScriptEngine* engine) {
 }  // namespace
 
 void parseTablesDestroy(ParseTables** tables) {
+    if (tables == nullptr || *tables == nullptr) return;
+    mapDestroyWith(&(*tables)->hashes, keyDestroy, scriptHashDestroyElement);
+    mapDestroyWith(&(*tables)->signatures, keyDestroy, stringDestroyElement);
     memDelete(tables);
 }
 

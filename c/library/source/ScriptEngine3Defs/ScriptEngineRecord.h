@@ -41,6 +41,10 @@ struct ParseTables {
     uint32_t firstResultVar = 0;
     uint8_t namedResults = 0;
     NameTable sourceIndex;  // full path of a parsed file to its index in `sources`
+    // By source index, of the files that have a signature: the lines hashed so far, and
+    // what they are to give. Null until there is one.
+    Map* hashes = nullptr;      // to `HashState`
+    Map* signatures = nullptr;  // to `String`
 };
 
 // The four variables that each statement sets. They stand in the global block
