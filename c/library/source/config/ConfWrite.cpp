@@ -2,6 +2,7 @@
 
 #include "config/ConfFailure.h"
 #include "files/FileStream.h"
+#include "files/ReplaceFile.h"
 #include "platform/replace.h"
 
 namespace {
@@ -85,20 +86,9 @@ void ConfWriter::check(FileStatus status) {
     whole_ = false;
 }
 
-// Makes the temporary file as one that nobody else can read when it is to take
-// the place of a file with rights of its own, and in any case a new one: what a
-// save that was killed left there, or a link, is not written to. Where that
-// fails the opening tells.
-void prepareTemporary(const String* fileName, const String* temporary) {
-    OsFileInfo info;
-    osReplaceRemove(stringView(temporary));
-    if (osFileInfo(stringView(fileName), &info) == 0)
-        osReplaceCreate(stringView(fileName), stringView(temporary));
-}
-
 // Writes the temporary file, on the disk to its last byte.
 bool writeTemporary(ConfPatcher* conf, const String* temporary) {
-    prepareTemporary(&conf->fileName, temporary);
+    fileReplacePrepare(stringView(&conf->fileName), stringView(temporary));
     Owned<BasicFile> file(bfileInitStr(temporary));
     if (!file || bfileOpen(file.get(), kFileWrite) != kFileDone)
         return confFailed(conf, "confPatchSave: #::203", temporary);
