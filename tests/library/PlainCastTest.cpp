@@ -1,22 +1,6 @@
-#include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
-
-#include "platform/machine.h"
-
-namespace fs = std::filesystem;
+#include "ProgramRun.h"
 
 namespace {
-
-struct Outcome {
-    int exitCode;
-    std::string output;
-    std::string errors;
-};
 
 constexpr const char* kScript = R"(
 function main
@@ -54,64 +38,17 @@ end
 constexpr const char* kCatalogue =
     "200=<no %S>\n1000=<lacks %s>\n1001=<no name>\n1002=<not added>\n1003=<no script>\n";
 
-class PlainCastTest : public testing::Test {
+class PlainCastTest : public ProgramRun {
   protected:
-    PlainCastTest()
-        : folder_(fs::temp_directory_path() / ("plaincast" + std::to_string(std::rand()))),
-          before_(fs::current_path()),
-          program_(fs::absolute(PLAINCAST_PROGRAM).make_preferred().string()) {
-        while (!fs::create_directory(folder_)) folder_ += "x";
-        fs::current_path(folder_);
-        // No settings of this machine, where they are kept in a file.
-        osSetEnvironment("QUOREL_REGISTRY", (folder_ / "registry.db").string());
+    PlainCastTest() : ProgramRun(PLAINCAST_PROGRAM) {
         write("logmsg.conf", kCatalogue);
         write("t.qcs", kScript);
         write("bad.qcs", "function main\n  nonsense\nend\n");
     }
-    ~PlainCastTest() override {
-        fs::current_path(before_);
-        fs::remove_all(folder_);
-    }
-    static void write(const fs::path& name, const char* text) {
-        std::ofstream(name, std::ios::binary) << text;
-    }
-    static std::string read(const fs::path& name) {
-        std::ifstream file(name, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(file), {});
-    }
-    Outcome run(const std::string& arguments) const {
-        // One of the shells takes off the quotes of a line that begins with one.
-        const std::string line =
-            "cd . && \"" + program_ + "\" " + arguments + " > out.txt 2> err.txt";
-        const int status = std::system(line.c_str());
-        // The other system has the code in the upper byte.
-        return {status > 255 ? status >> 8 : status, read("out.txt"), read("err.txt")};
-    }
-
-  private:
-    fs::path folder_;
-    fs::path before_;
-    // With the drive, which changes with the folder.
-    std::string program_;
 };
-
-struct Case {
-    const char* arguments;
-    int exitCode;
-    const char* output;  // must be in it; nothing at all may be written when empty
-};
-
-void check(const Case& expected, const Outcome& outcome) {
-    const std::string all = outcome.output + outcome.errors;
-    EXPECT_EQ(expected.exitCode, outcome.exitCode) << expected.arguments << "\n" << all;
-    if (*expected.output == 0)
-        EXPECT_EQ("", all) << expected.arguments;
-    else
-        EXPECT_NE(all.npos, all.find(expected.output)) << expected.arguments << "\n" << all;
-}
 
 TEST_F(PlainCastTest, TakesTheScriptFromOneArgumentOrAnOption) {
-    constexpr Case kCases[] = {
+    constexpr ProgramCase kCases[] = {
         {"t.qcs", 0, "ran\n"},
         {"/t.qcs", 3, "Usage: quorel_plaincast <options>\r\n"},
         {"-t.qcs", 3, "Usage: "},
@@ -122,13 +59,13 @@ TEST_F(PlainCastTest, TakesTheScriptFromOneArgumentOrAnOption) {
         {"--script nowhere.qcs", 3, "<no nowhere.qcs>"},
         {"--info", 3, "<no script>\n"},
         {"", 3, "CONFIGURATION ERROR\nCommand Line: "}};
-    for (const Case& each : kCases) check(each, run(each.arguments));
+    for (const ProgramCase& each : kCases) check(each, run(each.arguments));
     write("default.qcs", kScript);
     check({"", 0, "ran\n"}, run(""));
 }
 
 TEST_F(PlainCastTest, ReadsItsOptionsInOrder) {
-    constexpr Case kCases[] = {
+    constexpr ProgramCase kCases[] = {
         {"--help --nonsense", 0, "  --info --verboxe --debug --trace : Set debug level\r\n"},
         {"--nonsense --help", 3, "CONFIGURATION ERROR"},
         {"--HELP", 3, "CONFIGURATION ERROR"},
@@ -144,11 +81,11 @@ TEST_F(PlainCastTest, ReadsItsOptionsInOrder) {
         {"--period", 3, "<lacks period>"},
         {"--var", 3, "<lacks var>"},
         {"--script", 3, "<lacks script>"}};
-    for (const Case& each : kCases) check(each, run(each.arguments));
+    for (const ProgramCase& each : kCases) check(each, run(each.arguments));
 }
 
 TEST_F(PlainCastTest, GivesVariablesToTheScript) {
-    constexpr Case kCases[] = {
+    constexpr ProgramCase kCases[] = {
         {"--var a=b=c --startfunc values", 0, "b=c\n"},
         {"--var a=1 --var a=2 --startfunc values", 0, "2\n"},
         {"--var a --startfunc values", 0, "\n"},
@@ -156,7 +93,7 @@ TEST_F(PlainCastTest, GivesVariablesToTheScript) {
         {"--var =b", 3, "<no name>"},
         {"--var a-b=1", 3, "<not added>"},
         {"--var bindir=mine --startfunc bin", 0, "Failed to get string value"}};
-    for (const Case& each : kCases)
+    for (const ProgramCase& each : kCases)
         check(each, run(std::string(each.arguments) + " --script t.qcs"));
     // Bodies have a `scriptdir` of their own, so only a global statement sees this one.
     write("global.qcs", "new scriptdir made\nfunction main\n  echo made\nend\n");
@@ -168,11 +105,11 @@ TEST_F(PlainCastTest, GivesVariablesToTheScript) {
 }
 
 TEST_F(PlainCastTest, EndsWhenTheScriptSaysSo) {
-    constexpr Case kCases[] = {{"--startfunc leave --period 3600", 7, ""},
-                               {"--startfunc shorten --period 3600", 0, "shortened\n"},
-                               {"--period nonsense", 0, "ran\n"},
-                               {"--startfunc wrong", 0, "Parameter 1 must be a \"number\""}};
-    for (const Case& each : kCases)
+    constexpr ProgramCase kCases[] = {{"--startfunc leave --period 3600", 7, ""},
+                                      {"--startfunc shorten --period 3600", 0, "shortened\n"},
+                                      {"--period nonsense", 0, "ran\n"},
+                                      {"--startfunc wrong", 0, "Parameter 1 must be a \"number\""}};
+    for (const ProgramCase& each : kCases)
         check(each, run(std::string(each.arguments) + " --script t.qcs"));
 }
 

@@ -87,6 +87,11 @@ target_compile_definitions(ScriptTrustTest PRIVATE
     PLAINCAST_PROGRAM="$<TARGET_FILE:quorel_plaincast>")
 add_dependencies(ScriptTrustTest quorel_plaincast)
 plaincast_test(ShellObjectsTest paths)
+plaincast_test(SignScriptTest strings)
+target_compile_definitions(SignScriptTest PRIVATE
+    PLAINCAST_PROGRAM="$<TARGET_FILE:quorel_plaincast>"
+    PLAINCAST_SIGNSCRIPT="$<TARGET_FILE:quorel_signscript>")
+add_dependencies(SignScriptTest quorel_plaincast quorel_signscript)
 plaincast_test(StringFormatTest strings)
 plaincast_test(StringNumbersTest strings)
 plaincast_test(StringTest strings)
