@@ -71,9 +71,9 @@ bool ScriptToSign::readBytes() {
     return error == 0 || fail("cannot be read: " + osErrorText(error));
 }
 
-bool ScriptToSign::startHash() {
+bool ScriptToSign::startHash(SourceLines* lines) {
     hash_.reset(scriptHashCreate(kHashMd5));
-    lines_->hashTo(hash_.get());
+    lines->hashTo(hash_.get());
     return hash_.get() != nullptr || fail("there is not enough memory");
 }
 
@@ -82,13 +82,12 @@ bool ScriptToSign::readLines(bool isIncluded) {
     const Owned<BasicFile> file(bfileInitStr(name.get()));
     if (bfileOpen(file.get(), kFileRead) != kFileDone) return fail("cannot be read");
     SourceLines lines(nullptr, file.get(), name.get());
-    lines_ = &lines;
     // Without a signature line there will be one at the top.
-    if (!startHash()) return false;
+    if (!startHash(&lines)) return false;
     while (lines.readLine()) {
         if (isIncluded && definesMain(lines.line()))
             lines.skipFunction();
-        else if (isDirective(lines.line()) && !meetDirective())
+        else if (isDirective(lines.line()) && !meetDirective(&lines))
             return false;
     }
     if (lines.end() == SourceEnd::OfFile) return true;
@@ -96,14 +95,14 @@ bool ScriptToSign::readLines(bool isIncluded) {
                 " has 10000 bytes or more or cannot be read; scripts end before such a line");
 }
 
-bool ScriptToSign::meetDirective() {
+bool ScriptToSign::meetDirective(SourceLines* lines) {
     if (hasSignature())
         return fail("has a signature on line " + std::to_string(directiveLine_) + " and on line " +
-                    std::to_string(lines_->lineNumber()) + "; one is enough");
-    directiveLine_ = lines_->lineNumber();
-    directive_ = lines_->line();
-    signature_ = trimmed(lines_->line().substr(kDirective.size()));
-    return startHash();
+                    std::to_string(lines->lineNumber()) + "; one is enough");
+    directiveLine_ = lines->lineNumber();
+    directive_ = lines->line();
+    signature_ = trimmed(lines->line().substr(kDirective.size()));
+    return startHash(lines);
 }
 
 std::string ScriptToSign::fitting(int variant) const {
@@ -113,31 +112,28 @@ std::string ScriptToSign::fitting(int variant) const {
 }
 
 // A first line that names the program to run the script stays the first one.
-size_t ScriptToSign::insertionPlace() const {
-    if (!bytes_.starts_with("#!")) return 0;
-    const size_t end = bytes_.find('\n');
-    return end == bytes_.npos ? bytes_.size() : end + 1;
+std::string ScriptToSign::withNewLine(const std::string& statement) const {
+    const size_t lineEnd = bytes_.find('\n');
+    const bool hasReturns = lineEnd != bytes_.npos && lineEnd > 0 && bytes_[lineEnd - 1] == '\r';
+    const std::string line = statement + (hasReturns ? "\r\n" : "\n");
+    if (!bytes_.starts_with("#!")) return line + bytes_;
+    if (lineEnd == bytes_.npos) return bytes_ + "\n" + line;
+    return std::string(bytes_).insert(lineEnd + 1, line);
 }
 
 std::string ScriptToSign::signedWith(const std::string& signature) const {
     const std::string statement = std::string(kDirective) + " " + signature;
-    std::string result = bytes_;
-    if (!hasSignature()) {
-        const size_t lineEnd = bytes_.find('\n');
-        const bool hasReturns =
-            lineEnd != bytes_.npos && lineEnd > 0 && bytes_[lineEnd - 1] == '\r';
-        const size_t place = insertionPlace();
-        const bool joins = place > 0 && bytes_[place - 1] != '\n';
-        return result.insert(place, (joins ? "\n" : "") + statement + (hasReturns ? "\r\n" : "\n"));
-    }
+    if (!hasSignature()) return withNewLine(statement);
     size_t start = 0;
     for (uint32_t line = 1; line < directiveLine_; ++line) start = bytes_.find('\n', start) + 1;
-    while (isBlank(bytes_[start])) ++start;
-    // Carriage returns within the line do not count.
+    while (start < bytes_.size() && isBlank(bytes_[start])) ++start;
     size_t end = start;
-    for (size_t left = directive_.size(); left > 0; ++end)
-        if (bytes_[end] != '\r') --left;
-    return result.replace(start, end - start, statement);
+    for (const char wanted : directive_) {
+        // Carriage returns within the line do not count.
+        while (end < bytes_.size() && bytes_[end] == '\r') ++end;
+        if (end == bytes_.size() || bytes_[end++] != wanted) return {};
+    }
+    return std::string(bytes_).replace(start, end - start, statement);
 }
 
 }  // namespace Quorel

@@ -25,15 +25,16 @@ class ScriptToSign {
     std::string fitting(int variant) const;
 
     // The file's bytes with this text in its signature line, which is put at the
-    // top when there is none.
+    // top when there is none. Empty when the file changed while it was read.
     std::string signedWith(const std::string& signature) const;
 
   private:
     bool readBytes();
     bool readLines(bool isIncluded);
-    bool startHash();
-    bool meetDirective();
-    size_t insertionPlace() const;
+    // Lets the hash begin with the next line.
+    bool startHash(SourceLines* lines);
+    bool meetDirective(SourceLines* lines);
+    std::string withNewLine(const std::string& statement) const;
     bool fail(const std::string& fault);
 
     std::string path_;
@@ -43,7 +44,6 @@ class ScriptToSign {
     std::string fault_;
     uint32_t directiveLine_ = 0;
     Owned<HashState> hash_;
-    SourceLines* lines_ = nullptr;  // while the lines are read
 };
 
 }  // namespace Quorel

@@ -137,6 +137,7 @@ int SignScript::sign(const std::string& path) const {
     const std::string signature = script.fitting(variant);
     if (signature.empty()) return trouble(path, "there is not enough memory");
     const std::string bytes = script.signedWith(signature);
+    if (bytes.empty()) return trouble(path, "has changed meanwhile");
     if (toStandardOutput_) {
         outputWrite(bytes);
         return kDone;
