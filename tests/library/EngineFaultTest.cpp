@@ -190,6 +190,53 @@ function main
 end
 )";
 
+// The commands on what lies outside: other programs, the registry, locks.
+constexpr const char* kOutside = R"(
+function settings
+  global out
+  number n
+  string s w
+  vector v
+  setlock "EngineFaultTest" "wait"
+  removelock "EngineFaultTest"
+  setenv "EngineFaultTest" "a text that is long enough to need memory of its own"
+  getenv "EngineFaultTest" s
+  setreg "HKEY_CURRENT_USER\\EngineFaultTest\\below" "text" "str" s w
+  getreg "HKEY_CURRENT_USER\\EngineFaultTest\\below" "TEXT" "str" s w
+  getreg "HKEY_CURRENT_USER\\EngineFaultTest" "none" "num" n w
+  getregsubkeys "HKEY_CURRENT_USER\\EngineFaultTest" v w
+  delregvalue "HKEY_CURRENT_USER\\EngineFaultTest\\below" "text" w
+  delregkey "HKEY_CURRENT_USER\\EngineFaultTest" w
+  setglobreg "EngineFaultTest" s
+  getglobreg "EngineFaultTest" s
+  delglobreg "EngineFaultTest"
+  eval ( out = s . n . v . w )
+end
+function run
+  global out
+  number code
+  string s e w
+  eval ( out = "" )
+  pipeexec "\")" PLAINCAST_CHILD R"(\"" "out a err b exit 3" 20000 s e code w
+  eval ( out = s . e . code )
+end
+function look
+  global out
+  number n code
+  string w
+  vector v
+  map m
+  exec "no such program" "" 20000 code w
+  spawn "no such program" "" w n code
+  getpid n
+  isrunning n
+  stop 0 n
+  getprocessinfo n m
+  getrunningprocesses v
+  eval ( out = w )
+end
+)";
+
 constexpr char kScriptFile[] = "EngineFaultTest.qcs";
 
 int logLevel = kLogTrace;
@@ -208,6 +255,10 @@ class EngineFault : public testing::Test {
   protected:
     void SetUp() override {
         osSetEnvironment("QUOREL_REGISTRY", "EngineFaultTest.db");
+        osSetEnvironment("QUOREL_LOCKS", "EngineFaultTest.locks");
+        // A new record puts the logger back into service.
+        LogListener* record = logListenerCreate(&errors, hear, &logLevel);
+        logListenerDestroy(&record);
         logAddGlobalListener(&errors, hear, &logLevel);
         // Chunks of few records: objects ask for memory often, and can be refused it.
         scriptObjectPoolRelease();
@@ -255,33 +306,47 @@ TEST_F(EngineFault, AnyRequestForMemoryMayFail) {
 }
 
 TEST_F(EngineFault, EveryCommandEndsWithAStatusWhenMemoryEnds) {
-    std::ofstream(kScriptFile, std::ios::binary) << kCommands;
-    const Owned<String> path(stringFromText(kScriptFile));
-    ScriptEngine* engine = scriptEngineCreate();
-    ASSERT_TRUE(scriptEnginePrepareEngine(engine));
-    const uint32_t id = scriptVarNameToId(engine->parseTables, "out");
-    ASSERT_TRUE(scriptEnginePrepareRun(engine, path.get()));
-    const auto run = [&] {
-        errors = 0;
-        scriptEngineRun(engine, nullptr);
-        EXPECT_EQ(0u, engine->stack.size());
-        const ScriptObject* out = scriptBlockOwnVar(engine->globalBlock, id);
-        return out == nullptr ? "none" : std::string(stringView(&out->string));
-    };
-    const std::string whole = run();
-    EXPECT_LT(400u, whole.size());
-    EXPECT_EQ(0, errors);
-    const unsigned long long before = memRequestCount();
-    ASSERT_EQ(whole, run());
-    const auto requests = static_cast<long long>(memRequestCount() - before);
-    EXPECT_LT(200, requests);
-    for (const bool allLater : {false, true})
-        for (long long at = 0; at < requests && !HasFailure(); ++at) {
-            SCOPED_TRACE(at);
-            memFailAfter(at, allLater);
-            run();
-            memFailAfter(-1, false);
-        }
-    EXPECT_EQ(whole, run());
-    scriptEngineDestroy(&engine);
+    const struct {
+        const char* script;
+        const char* function;
+        int errors;  // of the script itself
+        size_t leastText;
+    } cases[] = {{kCommands, "main", 0, 400},
+                 {kOutside, "settings", 0, 60},
+                 {kOutside, "run", 0, 4},
+                 {kOutside, "look", 5, 6}};
+    for (const auto& [script, function, scriptErrors, leastText] : cases) {
+        SCOPED_TRACE(function);
+        std::ofstream(kScriptFile, std::ios::binary) << script;
+        const Owned<String> path(stringFromText(kScriptFile));
+        const Owned<String> start(stringFromText(function));
+        ScriptEngine* engine = scriptEngineCreate();
+        ASSERT_TRUE(scriptEnginePrepareEngine(engine));
+        engine->requireSignature = 0;
+        const uint32_t id = scriptVarNameToId(engine->parseTables, "out");
+        ASSERT_TRUE(scriptEnginePrepareRun(engine, path.get()));
+        const auto run = [&] {
+            errors = 0;
+            scriptEngineRun(engine, start.get());
+            EXPECT_EQ(0u, engine->stack.size());
+            const ScriptObject* out = scriptBlockOwnVar(engine->globalBlock, id);
+            return out == nullptr ? "none" : std::string(stringView(&out->string));
+        };
+        const std::string whole = run();
+        EXPECT_LE(leastText, whole.size());
+        EXPECT_EQ(scriptErrors, errors);
+        const unsigned long long before = memRequestCount();
+        ASSERT_EQ(whole, run());
+        const auto requests = static_cast<long long>(memRequestCount() - before);
+        EXPECT_LT(10, requests);
+        for (const bool allLater : {false, true})
+            for (long long at = 0; at < requests && !HasFailure(); ++at) {
+                SCOPED_TRACE(at);
+                memFailAfter(at, allLater);
+                run();
+                memFailAfter(-1, false);
+            }
+        EXPECT_EQ(whole, run());
+        scriptEngineDestroy(&engine);
+    }
 }

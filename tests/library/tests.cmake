@@ -53,6 +53,7 @@ plaincast_test(PatternMatchTest strings)
 plaincast_test(PlainCastTest strings)
 plaincast_test(PoolTest containers)
 plaincast_test(ProcessTest processes)
+add_dependencies(EngineFaultTest quorel_testchild)
 add_dependencies(ProcessTest quorel_testchild)
 plaincast_test(RbTreeTest containers)
 plaincast_test(RecordDiffTest text)
@@ -116,7 +117,7 @@ plaincast_test(VectorTest containers)
 plaincast_test(ZFileTest files)
 configure_file(${PROJECT_SOURCE_DIR}/programs/utilities/plaincast/logmsg.conf
     ${CMAKE_CURRENT_BINARY_DIR}/logmsg.conf COPYONLY)  # LogMessagesTest reads it
-foreach(test NamedLockTest ProcessTest)
+foreach(test EngineFaultTest NamedLockTest ProcessTest)
     target_compile_definitions(${test} PRIVATE
         PLAINCAST_CHILD="${CMAKE_BINARY_DIR}/quorel_testchild${CMAKE_EXECUTABLE_SUFFIX}")
 endforeach()
