@@ -69,8 +69,6 @@ inline void clearResults(ScriptEngine* engine) {
                      line);
         return false;
     }
-    // A literal that nobody has changed names the same function again.
-    if (line->block != kNoBlock && name->isShared() && name->type == kTypeString) return true;
     Owned<String> made;
     std::string_view text;
     if (name->type == kTypeString) {
@@ -89,6 +87,16 @@ inline void clearResults(ScriptEngine* engine) {
     }
     line->block = function->line->block;
     return true;
+}
+
+// Whether a `call` has found its function: a literal of the template that names it
+// does so for good.
+inline bool isResolved(const ScriptBlock* block, const ScriptLine* line) {
+    const ScriptArg& name = line->args.items[0];
+    if (line->block == kNoBlock || name.kind != kPlaceLiteral || block->ownLiterals != nullptr)
+        return false;
+    const ScriptObject* literal = block->shape->literals[name.slot];
+    return literal->type == kTypeString && literal->isShared();
 }
 
 // Whether a statement that changes things outside may run from its file.
@@ -180,7 +188,8 @@ inline bool runLine(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) 
     // A `call` has a block from its first run on, and from then on leaves the
     // variables to the function's own statements.
     if (line->block == kNoBlock && line->flow != kContinueCommand) clearResults(engine);
-    if (line->flow == kCallCommand && !resolveCall(engine, block, line)) return false;
+    if (line->flow == kCallCommand && !isResolved(block, line) && !resolveCall(engine, block, line))
+        return false;
     return actOnStatus(engine, block, runHandler(engine, block, line), line);
 }
 
@@ -190,7 +199,8 @@ inline bool runLine(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) 
                  line);
     if (engine->requireSignature && !signatureSuffices(engine, line)) return false;
     if (line->block == kNoBlock && line->flow != kContinueCommand) clearResults(engine);
-    if (line->flow == kCallCommand && !resolveCall(engine, block, line)) return false;
+    if (line->flow == kCallCommand && !isResolved(block, line) && !resolveCall(engine, block, line))
+        return false;
     const int status = runHandler(engine, block, line);
     traceResult(engine, status, line);
     return actOnStatus(engine, block, status, line);
@@ -242,11 +252,6 @@ StackRun scriptEngineRunStack(ScriptEngine* engine, bool allowSingle) {
         result = block->lastResult != 0 ? StackRun::Done : StackRun::Negative;
     stackPop(engine);
     return result;
-}
-
-ScriptBlock* blockTemplate(const ScriptEngine* engine, int blockNumber) {
-    const auto number = static_cast<size_t>(blockNumber);
-    return blockNumber >= 0 && number < engine->blocks.size() ? engine->blocks[number] : nullptr;
 }
 
 ScriptBlock* blockPush(ScriptEngine* engine, ScriptBlock* blockTemplate, ScriptBlock* parent,

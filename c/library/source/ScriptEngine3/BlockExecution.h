@@ -21,7 +21,10 @@ void stackPop(ScriptEngine* engine);
 void stackMeasure(ScriptEngine* engine);
 
 // The block of this number as parsed; null when there is none.
-ScriptBlock* blockTemplate(const ScriptEngine* engine, int blockNumber);
+inline ScriptBlock* blockTemplate(const ScriptEngine* engine, int blockNumber) {
+    const auto number = static_cast<uint32_t>(blockNumber);  // no number is a large one
+    return number < engine->blocks.size() ? engine->blocks[number] : nullptr;
+}
 
 // Puts an activation of the block, inside `parent`, on the stack. Null when
 // memory runs out: `*failure` tells where.
