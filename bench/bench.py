@@ -9,9 +9,9 @@ build/bench, which has the files that they read.
 """
 
 import argparse
-import math
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -19,6 +19,7 @@ import time
 
 import bundles
 import directories
+import growth
 
 HERE = pathlib.Path(__file__).resolve().parent
 WORK = HERE.parent / "build" / "bench"
@@ -27,7 +28,8 @@ WORKLOADS = ("empty", "loop", "calls", "string", "expression", "split", "replace
              "config", "strdiff", "exec", "pipeexec")
 STARTING = ("exec", "pipeexec")     # of programs: here bash is a peer like the others
 RUNS_OF_EMPTY = 40
-GROWTH_OF_STRDIFF = (10000, 20000, 40000, 80000)
+# What runs in the engine alone, whose instructions can be counted.
+ENGINE = ("loop", "calls", "string", "expression", "split", "vector", "map", "set", "tree")
 PARSED_FUNCTIONS = 5000     # of 20 lines each
 
 # What makes a program of each language wait for a line of input at its end.
@@ -228,12 +230,12 @@ def print_times(name, times, languages, index=0, rivals=("tcl", "perl", "python"
     row(name, cells + [f"{ours / min(peers):.2f}", lua])
 
 
-def parse_runs(program):
+def parse_runs(program, functions=PARSED_FUNCTIONS):
     runs = {}
     for language, command in parsers(program).items():
         path = WORK / f"parsed.{commands(program)[language][1]}"
         with open(path, "w", encoding="utf-8") as file:
-            for number in range(PARSED_FUNCTIONS):
+            for number in range(functions):
                 file.write("\n".join(PARSED[language]).format(number) + "\n")
             if language == "plaincast":
                 file.write("function main\nend\n")
@@ -250,31 +252,32 @@ def print_directories(languages, source, rounds):
         row(workload, [f"{ours:.4f}", f"{theirs:.4f}", f"{ours / theirs:.2f}"])
 
 
-def print_growth(command, rounds):
-    """Times strdiff with more and more records; the exponent is that of the time's growth.
+def peak(command, folder):
+    """Gives the greatest size of a run in KiB. A child of this process would begin with ours."""
+    told = WORK / "peak.txt"
+    measure(["/usr/bin/time", "-f", "%M", "-o", str(told), *command], folder)
+    return int(told.read_text())
 
-    diff answers less: which lines differ, in their order.
-    """
+
+def print_peaks(peaks, languages):
+    """Prints the greatest size of each workload; the ratio is to the leanest other one."""
     print()
-    row("records of strdiff", ["strdiff", "diff"])
-    text = (HERE / "strdiff" / "plaincast.qcs").read_text()
-    seconds = []
-    for count in GROWTH_OF_STRDIFF:
-        script = WORK / "growth.qcs"
-        script.write_text(text.replace("50000", str(count)))
-        for name, changed in (("old", 0), ("new", 20)):
-            with open(WORK / f"{name}.txt", "w", encoding="utf-8") as file:
-                for i in range(count):
-                    file.write(f"package-{100000 + i};amd64;section-{i % 17};{i * 37 % 9001};ok;"
-                               f"{i % 11 + (changed if i % 50 == 7 else 0)}\n")
-        # The shell makes a success of diff's answer that there are differences.
-        diff = ["sh", "-c", "diff old.txt new.txt >/dev/null || [ $? -eq 1 ]"]
-        seconds.append(min(measure(command + [str(script)], WORK)[0] for _ in range(rounds)))
-        row(count, [f"{seconds[-1]:.4f}",
-                    f"{min(measure(diff, WORK)[0] for _ in range(rounds)):.4f}"])
-    growth = math.log(seconds[-1] / seconds[0]) / math.log(GROWTH_OF_STRDIFF[-1] /
-                                                           GROWTH_OF_STRDIFF[0])
-    print(f"time grows with the power {growth:.2f} of the records")
+    row("greatest KiB", [*languages, "/leanest"])
+    for workload, found in peaks.items():
+        others = [size for language, size in found.items() if language != "plaincast"]
+        row(workload, [*(found.get(language, "-") for language in languages),
+                       f"{found['plaincast'] / min(others):.2f}" if others else "-"])
+
+
+def print_instructions(command, folder_of):
+    """Counts the instructions of the engine: they do not depend on what else the machine does."""
+    print()
+    row("million instructions", ["plaincast"])
+    for workload in ENGINE:
+        counted = ["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null", *command,
+                   "plaincast.qcs"]
+        output = measure(counted, folder_of(workload))[3]
+        row(workload, [f"{int(re.search(r'Collected : ([0-9]+)', output)[1]) / 1e6:.1f}"])
 
 
 def main():
@@ -282,7 +285,7 @@ def main():
     parser.add_argument("--program", required=True)
     parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("names", nargs="*",
-                        help="workloads, parse, growth or memory; all without a name")
+                        help="workloads, parse, growth, instructions or memory; all without a name")
     parser.add_argument("--megabytes", type=int, default=300, help="of files for bundles")
     arguments = parser.parse_args()
     arguments.program = os.path.abspath(arguments.program)
@@ -297,6 +300,7 @@ def main():
         return HERE / workload / f"{language}.{languages[language][1]}"
 
     answers = []
+    peaks = {}
     row("seconds", [*languages, "/fastest", "/lua"])
     for workload in filter(wanted, WORKLOADS):
         folder = prepare(workload)
@@ -312,6 +316,8 @@ def main():
             print_times("empty, CPU", times, languages, 1)
         else:
             answers.append(f"{workload} {answer}")
+            peaks[workload] = {language: peak(command, folder)
+                               for language, command in runs.items() if times[language][0] < 5}
         if workload == "wholefile":
             row("wholefile, memory", [f"{times[language][2] * 1024 / LARGE_SIZE:.2f}"
                                       for language in times] + ["x its size"])
@@ -321,12 +327,20 @@ def main():
     print("/fastest: against the fastest of tcl, perl and python; of bash, perl and python for "
           "programs that start others")
     print("answers, the same from all:", ", ".join(answers))
+    if peaks:
+        print_peaks(peaks, languages)
     if any(wanted(name) for name in directories.WORKLOADS):
         print_directories(languages, source, arguments.rounds)
     bundles.run(os.path.abspath(arguments.program), WORK, wanted, min(arguments.rounds, 2),
                 arguments.megabytes)
+    ours = languages["plaincast"][0]
     if wanted("growth"):
-        print_growth(languages["plaincast"][0], arguments.rounds)
+        grown = growth.Growth(ours, HERE, WORK, arguments.rounds, row, measure)
+        grown.print_workloads(lambda factor: parse_runs(
+            arguments.program, PARSED_FUNCTIONS * factor)["plaincast"])
+        grown.print_strdiff()
+    if wanted("instructions"):
+        print_instructions(ours, prepare)
     if wanted("memory"):
         print()
         row("resident KiB", languages)
