@@ -79,6 +79,11 @@ bool isBadKey(std::string_view key) {
     return !key.empty() && key.front() == '\\';
 }
 
+// Roots are there, and can be empty, whatever the file holds.
+bool isRoot(std::string_view key) {
+    return key.find_first_not_of('\\') == std::string_view::npos;
+}
+
 bool fileIsMissing(uint32_t root) {
     std::lock_guard<std::mutex> guard(readers().lock);
     RegistryStore probe;
@@ -139,10 +144,12 @@ OsRegistryResult osRegistrySet(uint32_t root, std::string_view key, std::string_
 OsRegistryResult osRegistryDeleteValue(uint32_t root, std::string_view key,
                                        std::string_view value) {
     if (isBadKey(key)) return OsRegistryResult::Failed;
-    if (fileIsMissing(root)) return OsRegistryResult::NotFound;
+    const auto missing = isRoot(key) ? OsRegistryResult::Failed : OsRegistryResult::NotFound;
+    if (fileIsMissing(root)) return missing;
     return writing(root, [&](RegistryStore* store) {
         int64_t id;
         OsRegistryResult result = store->findKey(root, key, &id);
+        if (result == OsRegistryResult::NotFound) return missing;
         if (result != OsRegistryResult::Done) return result;
         RegistryStatement remove(store->database(),
                                  "DELETE FROM entries WHERE key = ? AND name = ?");
@@ -155,26 +162,26 @@ OsRegistryResult osRegistryDeleteValue(uint32_t root, std::string_view key,
 OsRegistryResult osRegistrySubKeys(uint32_t root, std::string_view key,
                                    std::vector<std::string>* names) {
     if (isBadKey(key)) return OsRegistryResult::Failed;
-    return reading(root, [&](RegistryStore* store) {
+    std::vector<std::string> found;
+    OsRegistryResult result = reading(root, [&](RegistryStore* store) {
         int64_t id;
-        OsRegistryResult result = store->findKey(root, key, &id);
-        if (result != OsRegistryResult::Done) return result;
+        const OsRegistryResult place = store->findKey(root, key, &id);
+        if (place != OsRegistryResult::Done) return place;
         RegistryStatement list(store->database(),
                                "SELECT name FROM keys WHERE parent = ? ORDER BY name");
         list.bind(1, id);
-        std::vector<std::string> found;
         int status = list.step();
         for (; status == SQLITE_ROW; status = list.step()) found.push_back(list.bytes(0));
-        if (status != SQLITE_DONE) return store->failure();
-        names->swap(found);
-        return OsRegistryResult::Done;
+        return status == SQLITE_DONE ? OsRegistryResult::Done : store->failure();
     });
+    if (result == OsRegistryResult::NotFound && isRoot(key)) result = OsRegistryResult::Done;
+    if (result == OsRegistryResult::Done) names->swap(found);
+    return result;
 }
 
 OsRegistryResult osRegistryDeleteKey(uint32_t root, std::string_view key) {
     // A root is not a key that could go.
-    bool isRoot = key.find_first_not_of('\\') == std::string_view::npos;
-    if (isRoot || isBadKey(key)) return OsRegistryResult::Failed;
+    if (isRoot(key) || isBadKey(key)) return OsRegistryResult::Failed;
     int64_t id;
     // What may not be read is told apart from what may not be written.
     OsRegistryResult found =
