@@ -6,6 +6,7 @@
 #include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <fstream>
 #include <functional>
 #include <string>
 #include <thread>
@@ -229,11 +230,16 @@ TEST(Process, ASpawnedProgramStaysKnownByItsId) {
     EXPECT_NE(std::string_view::npos, stringView(seen->command).find("quorel_testchild"));
     // It is reaped although nobody asks; the other system has no such thing.
     const std::string entry = "/proc/" + std::to_string(pid);
+    int looksWhenEnded = 0;
     for (int look = 0; look < (isLinux ? 500 : 100); ++look) {
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
+        std::string id, name, state;
+        std::ifstream(entry + "/stat") >> id >> name >> state;
+        looksWhenEnded += state == "Z";
         if (isLinux && !std::filesystem::exists(entry)) break;
     }
     EXPECT_FALSE(isLinux && std::filesystem::exists(entry));
+    EXPECT_LE(looksWhenEnded, 20) << "reaped within 200 ms";
     EXPECT_FALSE(processIsRunning(seen.get()));
     seen.reset(processInitPid(pid, tid));
     EXPECT_FALSE(processIsRunning(seen.get()));
