@@ -125,6 +125,8 @@ OsRegistryResult RegistryStore::openForReading(const std::string& path) {
         bool absent = path.empty() || errno == ENOENT || errno == ENOTDIR;
         return absent ? OsRegistryResult::NotFound : OsRegistryResult::NoAccess;
     }
+    // Opening it would wait for another end that nobody has.
+    if (S_ISFIFO(status.st_mode)) return OsRegistryResult::Damaged;
     bool same = database_ != nullptr && path == path_ && status.st_dev == device_ &&
                 status.st_ino == inode_ && status.st_mode == mode_;
     if (same) return OsRegistryResult::Done;
@@ -140,7 +142,10 @@ OsRegistryResult RegistryStore::openForReading(const std::string& path) {
 }
 
 OsRegistryResult RegistryStore::openForWriting(const std::string& path) {
+    struct stat status;
     if (path.empty()) return OsRegistryResult::Failed;
+    if (stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode))
+        return OsRegistryResult::Damaged;
     makeDirectories(path);
     if (!open(path, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE)) return OsRegistryResult::Failed;
     OsRegistryResult result = recognise();
