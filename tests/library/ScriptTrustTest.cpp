@@ -13,10 +13,6 @@ namespace {
 using Lines = std::vector<std::string>;
 
 constexpr char kLibrary[] = "ScriptTrust.lib.qcs";
-constexpr char kMismatch[] =
-    "scriptEngineParse: The signature does not fit the script file \"*\"\n";
-constexpr char kUnsigned[] =
-    "contains one or more commands that cannot be executed as long as the script is not signed.";
 
 Lines split(const std::string& text) {
     std::istringstream stream(text);
@@ -40,29 +36,19 @@ std::string signatureOf(const Lines& lines, int variant = kVariantAes) {
 class ScriptTrust : public ScriptCases {
   protected:
     bool isSigned(size_t source = 0) const { return engine_->sources[source].isSigned == 1; }
-    // Runs main as a program would that asks for signatures.
-    int32_t statusOfStrictRun() {
-        engine_->requireSignature = 1;
-        run("main");
-        return engine_->statusCode;
-    }
     ~ScriptTrust() override { remove(kLibrary); }
 };
 
 // By what the bytes of a part of a script may be replaced, and by what not.
-struct PartKind {
-    char letter;
-    const char *accepted, *refused;
-};
-constexpr PartKind kPartKinds[] = {
-    {'S', "", "x#\r\n \t\""},  // what makes a statement
-    {'I', "\r\n \t", "x#\""},  // blanks before one
-    {'B', "#\r\n \t", "x\""},  // blanks behind one
-    {'C', "x#\r \t\"", "\n"},  // comment but for its last byte, which is
-    {'A', "x#\r\n \t\"", ""},  // any byte
-    {'N', "x", "#\n\""},       // a name, and the start of a statement, which
-    {'G', "#", "x\r\n \t\""},  // are not covered
-    {'E', "\r", "x# \n\t\""},  // the one thing not seen: a line end between statements
+constexpr const char* kPartKinds[][3] = {
+    {"S", "", "x#\r\n \t\""},  // what makes a statement
+    {"I", "\r\n \t", "x#\""},  // blanks before one
+    {"B", "#\r\n \t", "x\""},  // blanks behind one
+    {"C", "x#\r \t\"", "\n"},  // comment but for its last byte, which is
+    {"A", "x#\r\n \t\"", ""},  // any byte
+    {"N", "x", "#\n\""},       // a name, and the start of a statement, which
+    {"G", "#", "x\r\n \t\""},  // are not covered
+    {"E", "\r", "x# \n\t\""},  // the one thing not seen: a line end between statements
 };
 
 }  // namespace
@@ -77,31 +63,24 @@ TEST_F(ScriptTrust, EveryByteThatChangesAStatementBreaksTheSignature) {
               "Secho a|E\n|Send|B\n|S#|C tai|Al");
     std::string script;
     for (const std::string& part : parts) script += part.substr(1);
-    ASSERT_TRUE(parse(script)) << heard;
-    ASSERT_TRUE(isSigned());
+    ASSERT_TRUE(parse(script) && isSigned()) << heard;
     size_t at = 0;
-    size_t tried = 0;
     const auto replace = [&](const char* others, bool accepted) {
         for (const char other : std::string(others)) {
             if (other == script[at]) continue;
             std::string changed = script;
             changed[at] = other;
-            EXPECT_EQ(accepted, parse(changed) && isSigned())
-                << "byte " << at << " as " << int{other} << " in\n"
-                << changed;
-            ++tried;
+            EXPECT_EQ(accepted, parse(changed) && isSigned()) << at << "\n" << changed;
         }
     };
     for (const std::string& part : parts) {
-        const PartKind* kind = std::begin(kPartKinds);
-        while (kind->letter != part[0]) ++kind;
+        const auto* kind = std::begin(kPartKinds);
+        while ((*kind)[0][0] != part[0]) ++kind;
         for (const size_t end = at + part.size() - 1; at < end; ++at) {
-            replace(kind->accepted, true);
-            replace(kind->refused, false);
+            replace((*kind)[1], true);
+            replace((*kind)[2], false);
         }
     }
-    EXPECT_EQ(script.size(), at);
-    EXPECT_LT(700u, tried);
 }
 
 TEST_F(ScriptTrust, OnlyTheSignatureItselfIsOne) {
@@ -112,13 +91,12 @@ TEST_F(ScriptTrust, OnlyTheSignatureItselfIsOne) {
     std::string lower = aes;
     for (char& c : lower) c = static_cast<char>(tolower(c));
     EXPECT_EQ(aes, signatureOf(lines, kVariantDefault));
-    EXPECT_EQ("[NON:]", signatureOf(lines, kVariantNone));
-    ASSERT_EQ(38u, aes.size());
     const auto verdict = [&](const std::string& text) {
         return parse("signature" + text + "\nfunction main\nend\n") && isSigned();
     };
     for (const std::string& good : {aes, des, "  " + aes + "\t # note", std::string("[NON:]")})
         EXPECT_TRUE(verdict(" " + good)) << good << heard;
+    // Wrong in each way, and in each length.
     Lines wrong = split("\"" + aes + "\"|" + lower + "|[AES:" + des.substr(5) + "|[DES:" + digits +
                         "]|[aes:" + digits + "]|[XYZ:" + digits + "]|[AES: " + digits +
                         "]|[NON:" + digits + "]|" + aes + "]|" + aes + "0|( " + aes + " )|" + aes +
@@ -126,50 +104,51 @@ TEST_F(ScriptTrust, OnlyTheSignatureItselfIsOne) {
     for (size_t length = 0; length < aes.size(); ++length) wrong.push_back(aes.substr(0, length));
     for (const std::string& text : wrong) EXPECT_FALSE(verdict(" " + text)) << text;
     EXPECT_FALSE(verdict("\t" + aes)) << "a tab makes it another word";
-    parse("signature " + lower + "\nfunction main\nend\n");
-    EXPECT_EQ(kMismatch, heard);
+    EXPECT_FALSE(verdict(" " + lower));
+    EXPECT_EQ("scriptEngineParse: The signature does not fit the script file \"*\"\n", heard);
+    // Behind a failure the table of commands is still there.
+    size_t needing = 0;
+    for (const CommandDef& def : engine_->parseTables->commandDefs)
+        needing += def.row->needsSignature;
+    EXPECT_EQ(39u, needing);
 }
 
 TEST_F(ScriptTrust, EachFileHasASignatureOfItsOwn) {
-    const std::string include = std::string("include \"") + kLibrary + "\"";
-    const Lines tail = {"function main", "makedir \"ScriptTrust.dir\"", "call \"helper\"", "end"};
-    Lines mine = {include};
-    mine.insert(mine.end(), tail.begin(), tail.end());
     const auto textOf = [](const std::string& signature, const Lines& lines) {
         std::string text = signature.empty() ? "" : "signature " + signature + "\n";
         for (const std::string& line : lines) text += line + "\n";
         return text;
     };
-    const Lines helper = {"function helper", "deldir \"ScriptTrust.dir\"", "end"};
+    const Lines helper = split("function helper|deldir \"ScriptTrust.dir\"|end");
     const auto library = [&](const std::string& signature, const std::string& ownMain) {
         std::ofstream(kLibrary, std::ios::binary) << textOf(signature, helper) << ownMain;
     };
-    const std::string main = textOf(signatureOf(mine), mine);
-    Lines withMain = helper;
-    withMain.push_back("function main");
-    library(signatureOf(withMain), "function main\nif\nx y\nend\nanything\nend\n");
-    ASSERT_TRUE(parse(main)) << "only the first line of a main that is passed over counts: "
-                             << heard;
-    EXPECT_TRUE(isSigned(0) && isSigned(1));
-    EXPECT_EQ(0, statusOfStrictRun()) << heard;
+    const Lines lines = split("include \"" + std::string(kLibrary) +
+                              "\"|function main|makedir \"ScriptTrust.dir\"|call \"helper\"|end");
+    const std::string main = textOf(signatureOf(lines), lines);
+    const auto strictStatus = [&](bool librarySigned) {
+        EXPECT_TRUE(parse(main)) << heard;
+        EXPECT_TRUE(isSigned(0) && isSigned(1) == librarySigned);
+        engine_->requireSignature = 1;
+        run("main");
+        return engine_->statusCode;
+    };
+    // Of a main that is passed over, the first line counts and nothing else.
+    library(signatureOf(split("function helper|deldir \"ScriptTrust.dir\"|end|function main")),
+            "function main\nif\nx y\nend\nanything\nend\n");
+    EXPECT_EQ(0, strictStatus(true)) << heard;
     library("", "");
-    ASSERT_TRUE(parse(main)) << heard;
-    EXPECT_TRUE(isSigned(0) && !isSigned(1));
-    EXPECT_EQ(1000, statusOfStrictRun()) << "the first statement of the other file";
-    EXPECT_NE(heard.npos, heard.find(kUnsigned));
+    EXPECT_EQ(1000, strictStatus(false)) << "the first statement of the other file";
+    EXPECT_NE(heard.npos, heard.find("cannot be executed as long as the script is not signed."));
     EXPECT_EQ(0, rmdir("ScriptTrust.dir")) << "it came so far";
     library("[NON:]", "");
-    ASSERT_TRUE(parse(main)) << heard;
-    EXPECT_EQ(0, statusOfStrictRun()) << "NON does for the check, too";
-    library(signatureOf(tail), "");
+    EXPECT_EQ(0, strictStatus(true)) << "NON does for the check, too";
+    library(signatureOf(lines), "");
     EXPECT_FALSE(parse(main));
-    EXPECT_NE(heard.npos, heard.find("does not fit the script file")) << heard;
 
-    Lines two = {"signature [NON:]"};
-    two.insert(two.end(), helper.begin(), helper.end());
+    const Lines two = split("signature [NON:]|function main|end");
     EXPECT_TRUE(parse(textOf(signatureOf(two), two)) && isSigned()) << "of two the first counts";
-    EXPECT_FALSE(parse(textOf(signatureOf(helper), two)));
-    EXPECT_TRUE(parse(textOf("", helper)) && !isSigned());
+    EXPECT_FALSE(parse(textOf(signatureOf(split("function main|end")), two)));
 }
 
 TEST_F(ScriptTrust, LimitsAreJudgedForTheUserTheGroupsAndTheTime) {
@@ -202,7 +181,6 @@ TEST_F(ScriptTrust, LimitsAreJudgedForTheUserTheGroupsAndTheTime) {
     GrowArray<std::string_view> names;
     names.push("staff");
     EXPECT_TRUE(scriptGroupIsNamed(ann, names)) << "wherever the system has no groups to show";
-    EXPECT_FALSE(scriptUserIsNamed(ann, names));
     names[0] = "Staff";
     EXPECT_FALSE(scriptGroupIsNamed(ann, names)) << "case counts here";
 }
@@ -213,29 +191,25 @@ TEST_F(ScriptTrust, RealAccountsOpenAndCloseScripts) {
     std::string other = user;
     for (char& c : other) c = static_cast<char>(islower(c) ? toupper(c) : tolower(c));
     const std::string refusal = "scriptEngineParse: User \"" + user + "\" is not ";
-    const std::string place = " execute this script! See line 1 in file \"*\"\n";
+    const std::string place = " this script! See line 1 in file \"*\"\n";
     const std::string applies =
-        "scriptEngineParse: Limitations apply, preventing the execution of this script! See line "
-        "1 in file \"*\"\n";
+        "scriptEngineParse: Limitations apply, preventing the execution of" + place;
     std::vector<Case> cases = {
-        {"user " + user, ""},
         {"user nobody-here " + user, ""},
         {"limit +u:" + other, ""},
-        {"user " + other, refusal + "allowed to" + place},
+        {"user " + other, refusal + "allowed to execute" + place},
         {"limit -u:" + other, applies},
-        {"limit +t:;2001-01-01", applies},
         {"limit +t:noon", "scriptEngineParse: Out of memory\n"},
-        {"group no-such-group", refusal + "part of a group that is allowed to" + place}};
+        {"group no-such-group", refusal + "part of a group that is allowed to execute" + place}};
     if (std::string("linux") == osPlatformName()) {
         // What the system's own program says of the account, the primary group included.
-        ASSERT_EQ(0, system(("id -Gn " + user + " >ScriptTrust.groups").c_str()));
+        ASSERT_EQ(0, system(("id -Gnz " + user + " >ScriptTrust.groups").c_str()));
         std::ifstream groups("ScriptTrust.groups");
-        for (std::string group; groups >> group;) {
+        for (std::string group; std::getline(groups, group, '\0');) {
+            if (group.find(' ') != group.npos) continue;
             cases.push_back({"group no-such-group " + group, ""});
             cases.push_back({"limit +g:" + group + " +G:x;" + group, ""});
-            cases.push_back({"limit -g:" + group, applies});
         }
-        EXPECT_LT(8u, cases.size());
         remove("ScriptTrust.groups");
     }
     for (const auto& [line, messages] : cases) {
@@ -246,14 +220,13 @@ TEST_F(ScriptTrust, RealAccountsOpenAndCloseScripts) {
     args.push("+u:$qrx");
     for (const long long served : {0, 1}) {
         memFailAfter(served, true);
-        const LimitCheck check = scriptEngineCheckLimits(args);
+        EXPECT_EQ(LimitCheck::Failed, scriptEngineCheckLimits(args)) << "no name, or no groups";
         memFailAfter(-1, false);
-        EXPECT_EQ(LimitCheck::Failed, check) << "without a name or without groups";
     }
 }
 
 TEST(ScriptKeys, StandNowhereInTheProgram) {
-    std::ifstream file(PLAINCAST_PROGRAM, std::ios::binary);
+    std::ifstream file(testing::internal::GetArgvs()[0], std::ios::binary);
     const std::string program(std::istreambuf_iterator<char>(file), {});
     EXPECT_NE(program.npos, program.find(std::string(scriptKeyTable, scriptKeyTable + 64)));
     const auto absent = [&](const uint8_t* key, size_t size) {
@@ -262,7 +235,4 @@ TEST(ScriptKeys, StandNowhereInTheProgram) {
     };
     absent(scriptDesKey(), kScriptDesKey);
     absent(scriptAesKey(), kScriptAesKey);
-    for (size_t at = 0; at < kScriptAesKey; ++at)
-        EXPECT_EQ(scriptKeyTable[scriptAesKeyList[at] * scriptKeyStep % 1024], scriptAesKey()[at]);
-    EXPECT_EQ(1u, scriptKeyStep % 2);
 }
