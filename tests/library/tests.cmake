@@ -93,6 +93,7 @@ target_compile_definitions(SignScriptTest PRIVATE
     PLAINCAST_PROGRAM="$<TARGET_FILE:quorel_plaincast>"
     PLAINCAST_SIGNSCRIPT="$<TARGET_FILE:quorel_signscript>")
 add_dependencies(SignScriptTest quorel_plaincast quorel_signscript)
+plaincast_test(SocketsTest sockets)
 plaincast_test(StringFormatTest strings)
 plaincast_test(StringNumbersTest strings)
 plaincast_test(StringTest strings)

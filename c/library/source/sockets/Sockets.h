@@ -16,6 +16,7 @@ constexpr Socket kNoSocket = -1;
 // What the functions give. ORDER is that of no table: callers compare some of them.
 enum SockStatus : uint32_t {
     kSockDone = 0,
+    kSockNoLibrary = 1,  // the system has no sockets
     kSockReset = 8,      // the peer broke the connection
     kSockAborted = 9,    // the connection broke while receiving
     kSockClosed = 12,    // of `sockClose`: closed well
@@ -25,8 +26,7 @@ enum SockStatus : uint32_t {
     kSockWaitError = 18  // the wait for bytes failed
 };
 
-// Starts the module, or counts one more user: 0, 1 when the system has no sockets,
-// 17 when memory runs out.
+// Starts the module, or counts one more user: 0, or 1 when the system has no sockets.
 uint32_t sockInit();
 // One user less; the last one ends the module.
 void sockTerm();
@@ -35,7 +35,8 @@ void sockTerm();
 // get the port; -1 on failure.
 Socket sockCreateListener(uint32_t port);
 
-// Waits for a connection, however long it takes. `host` (may be null) becomes the
+// Waits for a connection, however long it takes, or for a message to the calling
+// thread that came after the last look at its queue. `host` (may be null) becomes the
 // peer's name and address, at most `hostSize` - 1 bytes and a terminator; `port` (may
 // be null) the peer's port. -1 on failure.
 Socket sockListen(Socket listener, char* host, uint32_t hostSize, uint32_t* port);
