@@ -114,6 +114,7 @@ foreach(zone QRL-3:30 QRL-13 QRL3:30 QRL12 EST5EDT)
     add_test(NAME TimeZoneTest.${zone} COMMAND TimeZoneTest)
     set_tests_properties(TimeZoneTest.${zone} PROPERTIES ENVIRONMENT TZ=${zone})
 endforeach()
+plaincast_test(TransferTest sockets)
 plaincast_test(VectorTest containers)
 plaincast_test(ZFileTest files)
 configure_file(${PROJECT_SOURCE_DIR}/programs/utilities/plaincast/logmsg.conf

@@ -11,7 +11,7 @@
 #include "ScriptEngine3Functions/LockCommands.h"
 #include "ScriptEngine3Functions/LogCommands.h"
 #include "ScriptEngine3Functions/MapCommands.h"
-#include "ScriptEngine3Functions/MissingCommands.h"
+#include "ScriptEngine3Functions/NetworkCommands.h"
 #include "ScriptEngine3Functions/ParserCommands.h"
 #include "ScriptEngine3Functions/PathCommands.h"
 #include "ScriptEngine3Functions/ProcessCommands.h"

@@ -1,6 +1,7 @@
 #include "ScriptEngine3Defs/ScriptEngineRecord.h"
 
 #include "ScriptEngine3Defs/ScriptHash.h"
+#include "ScriptEngine3Defs/ScriptListener.h"
 #include "strings/StringCompare.h"
 #include "threads/NamedLock.h"
 
@@ -58,14 +59,13 @@ ScriptEngine* scriptEngineRecordCreate() {
 void scriptEngineRecordDestroy(ScriptEngine** engine) {
     if (engine == nullptr || *engine == nullptr) return;
     ScriptEngine* record = *engine;
+    scriptListenersEnd(record);
     scriptTemporariesFlush();
     parseTablesDestroy(&record->parseTables);
     scriptBlockDestroy(&record->globalBlock);
     for (ScriptBlock*& block : record->blocks) scriptBlockDestroy(&block);
     destroyFunctions(record);
     destroySources(record);
-    mapDestroy(&record->listeners);
-    mapDestroy(&record->connectionQueues);
     lockDestroy(&record->connectionLock);
     lockDestroy(&record->lockTableLock);
     mapDestroyWith(&record->locks, nullptr, namedLockDestroyElement);

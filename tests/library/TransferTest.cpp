@@ -1,0 +1,237 @@
+#include "sockets/Transfer.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <vector>
+
+#include "containers/Memory.h"
+#include "sockets/ControlWords.h"
+
+// The protocol against a wire that the test holds in its hands: it stands in for
+// the socket layer, so that each exchange can end at any byte.
+
+namespace {
+
+constexpr Socket kSocket = 7;
+const std::string kAck = "ACK__________";
+const std::string kAgain = "AGAIN________";
+
+struct Wire {
+    std::string sent;
+    std::string answers;  // what the peer says when something was sent, a word at a time
+    std::string incoming;
+    std::vector<uint32_t> reads;  // at most so many bytes a read, in turn; all when used up
+    size_t sendsLeft = SIZE_MAX;
+    int sends = 0;
+    int flushes = 0;
+} wire;
+
+// What a receiver that reads its input makes of a string; null gives "none".
+std::string received(const std::string& incoming) {
+    wire.incoming = incoming;
+    const Owned<String> text(sockReceiveString(kSocket));
+    return text ? std::string(stringView(text.get())) : "none";
+}
+
+bool send(const std::string& bytes, const std::string& answers) {
+    wire = {};
+    wire.answers = answers;
+    const Owned<String> text(stringFromView(bytes));
+    return sockSendString(kSocket, text.get());
+}
+
+std::string field(const std::string& text) {
+    return static_cast<char>(text.size()) + text;
+}
+
+}  // namespace
+
+uint32_t sockSend(Socket, const char* data, uint32_t length) {
+    if (wire.sendsLeft-- == 0) return kSockFailed;
+    ++wire.sends;
+    wire.sent.append(data, length);
+    return kSockDone;
+}
+
+uint32_t sockReceive(Socket, char* buffer, uint32_t* length) {
+    std::string& from = wire.incoming.empty() ? wire.answers : wire.incoming;
+    size_t count = std::min<size_t>(*length, from.size());
+    if (!wire.reads.empty()) {
+        count = std::min<size_t>(count, wire.reads.front());
+        wire.reads.erase(wire.reads.begin());
+    }
+    if (count == 0) return kSockTimeout;
+    from.copy(buffer, count);
+    from.erase(0, count);
+    *length = static_cast<uint32_t>(count);
+    return kSockDone;
+}
+
+void sockFlushInput(Socket) {
+    ++wire.flushes;
+    wire.incoming.clear();
+}
+
+TEST(Transfer, NumbersPassAsTextsBehindTheirLength) {
+    const struct {
+        double value;
+        const char* text;
+    } cases[] = {
+        {2.5, "2.5"}, {7, "7"}, {-1.5, "-1.5"}, {0.000000001, "0"}, {4294967295, "4294967295"}};
+    for (const auto& [value, text] : cases) {
+        wire = {};
+        EXPECT_TRUE(sockSendDouble(kSocket, value));
+        EXPECT_EQ(field(text), wire.sent);
+        EXPECT_EQ(2, wire.sends) << "the length and the text are two sends";
+        wire.incoming = wire.sent;
+        double back = -1;
+        EXPECT_TRUE(sockReceiveDouble(kSocket, &back));
+        EXPECT_NEAR(value, back, 1e-8);
+    }
+    wire = {};
+    EXPECT_TRUE(sockSendUInt32(kSocket, UINT32_MAX));
+    EXPECT_EQ(field("4294967295"), wire.sent);
+    wire = {};
+    wire.sendsLeft = 1;
+    EXPECT_FALSE(sockSendUInt32(kSocket, 12));
+}
+
+TEST(Transfer, NumbersAreReadAsFarAsTheyAreDigits) {
+    const struct {
+        const char* text;
+        uint32_t whole;
+        double number;
+    } cases[] = {{"-1", UINT32_MAX, -1},
+                 {"-5", 4294967291, -5},
+                 {" \t+12x", 12, 12},
+                 {"99999999999", UINT32_MAX, 99999999999},
+                 {"x", 0, 0},
+                 {"-", 0, 0},
+                 {"3.75", 3, 3.75}};
+    for (const auto& [text, whole, number] : cases) {
+        wire = {};
+        wire.incoming = field(text) + field(text);
+        uint32_t readWhole = 77;
+        double readNumber = 77;
+        EXPECT_TRUE(sockReceiveUInt32(kSocket, &readWhole)) << text;
+        EXPECT_TRUE(sockReceiveDouble(kSocket, &readNumber)) << text;
+        EXPECT_EQ(whole, readWhole) << text;
+        EXPECT_EQ(number, readNumber) << text;
+    }
+    // A length byte that is none, and a text that does not come.
+    for (const char bad : {'\0', '\x80', '\xFF', '\5'}) {
+        wire = {};
+        wire.incoming = bad + std::string(bad == 5 ? 0 : 255, '1');
+        uint32_t value = 77;
+        EXPECT_FALSE(sockReceiveUInt32(kSocket, &value));
+        EXPECT_EQ(77u, value);
+    }
+    wire = {};
+    wire.incoming = field(std::string(127, '0'));
+    uint32_t value = 77;
+    EXPECT_TRUE(sockReceiveUInt32(kSocket, &value));
+    EXPECT_EQ(0u, value);
+    // A text that comes short counts as far as it came.
+    wire = {};
+    wire.incoming =
+        "\x05"
+        "12";
+    EXPECT_TRUE(sockReceiveUInt32(kSocket, &value));
+    EXPECT_EQ(12u, value);
+}
+
+TEST(Transfer, StringsPassInChunksEachAcknowledged) {
+    for (const size_t size : {0, 2, 8191, 8192, 8193, 16384, 300000}) {
+        const size_t chunks = (size + kTransferChunk - 1) / kTransferChunk;
+        std::string text(size, 'x');
+        for (size_t at = 0; at < size; ++at) text[at] = static_cast<char>(at * 31 + at / 256);
+        std::string acks;
+        for (size_t at = 0; at < chunks; ++at) acks += kAck;
+        EXPECT_TRUE(send(text, acks));
+        EXPECT_EQ(field(std::to_string(size)) + text, wire.sent);
+        EXPECT_EQ(chunks, static_cast<size_t>(wire.flushes));
+        const std::string stream = wire.sent;
+        wire = {};
+        EXPECT_EQ(text, received(stream + "surplus"));
+        EXPECT_EQ(acks, wire.sent);
+        EXPECT_EQ("surplus", wire.incoming);
+    }
+}
+
+TEST(Transfer, TheSenderGoesByTheReceiversWord) {
+    const struct {
+        std::string answers;
+        bool done;
+        int repeats;
+    } cases[] = {{kAgain + kAgain + kAgain + kAgain + kAgain + kAck, true, 6},
+                 {"NACK_________" + kAck, false, 1},
+                 {"WAIT_________" + kAck, false, 1},
+                 {"CANCEL_______" + kAck, false, 1},
+                 {"ack__________" + kAck, false, 1},
+                 {"ACK", false, 1},
+                 {"", false, 1}};
+    for (const auto& [answers, done, repeats] : cases) {
+        EXPECT_EQ(done, send("hi", answers)) << answers;
+        std::string wanted = field("2");
+        for (int at = 0; at < repeats; ++at) wanted += "hi";
+        EXPECT_EQ(wanted, wire.sent) << answers;
+    }
+}
+
+TEST(Transfer, AChunkThatCameShortIsAskedForAgainAndGivenUp) {
+    wire = {};
+    wire.reads = {1, 3, 60, 40, 30};
+    EXPECT_EQ("none", received(field("100") + std::string(500, 'x')));
+    // Four times, never for more than came last, and nothing in the end.
+    EXPECT_EQ(kAgain + kAgain + kAgain + kAgain, wire.sent);
+    EXPECT_EQ(500u - 60 - 40 - 30 - 30 - 30, wire.incoming.size());
+}
+
+TEST(Transfer, TheEndOfTheStreamAtAnyByteGivesNoString) {
+    const std::string text(kTransferChunk + 3, 'x');
+    const std::string stream = field(std::to_string(text.size())) + text;
+    for (size_t end = 0; end < stream.size(); end += end < 6 || end > 8190 ? 1 : 97) {
+        wire = {};
+        EXPECT_EQ("none", received(stream.substr(0, end))) << end;
+    }
+    const std::string acks = kAck + kAck;
+    for (size_t end = 0; end < acks.size(); ++end)
+        EXPECT_FALSE(send(text, acks.substr(0, end))) << end;
+    for (size_t sends = 0; sends < 4; ++sends) {
+        wire = {};
+        wire.answers = acks;
+        wire.sendsLeft = sends;
+        const Owned<String> string(stringFromView(text));
+        EXPECT_FALSE(sockSendString(kSocket, string.get())) << sends;
+    }
+}
+
+TEST(Transfer, AnAnnouncedLengthTakesNoMemory) {
+    for (const char* length : {"4294967295", "4294967294", "1000000000"}) {
+        wire = {};
+        EXPECT_EQ("none", received(field(length) + "abc"));
+        // A first request for the length announced would be the one to fail here.
+        memFailAfter(2, true);
+        wire = {};
+        EXPECT_EQ("none", received(field(length) + std::string(4 * kTransferChunk, 'x')));
+        memFailAfter(-1, false);
+    }
+}
+
+TEST(Transfer, AWordIsRegisteredOnceAndFitsItsPlace) {
+    EXPECT_FALSE(sockSendWord(kSocket, "CANCEL"));
+    EXPECT_FALSE(sockSendWordStr(kSocket, nullptr));
+    EXPECT_FALSE(sockAddWord("ACK", "ACK2_________"));
+    EXPECT_FALSE(sockAddWord("ACKNOWLEDGEMENT", "ACKNOWLEDGEME"));
+    EXPECT_FALSE(sockAddWord("SHORT", "SHORT_"));
+    EXPECT_FALSE(sockAddWord("OTHER", "ACK__________"));
+    EXPECT_TRUE(sockAddWord("THIRTEENCHARS", "THIRTEENCHARS"));
+    EXPECT_FALSE(sockAddWord("THIRTEENCHARS", "THIRTEENCHARS"));
+    wire = {};
+    EXPECT_TRUE(sockSendWord(kSocket, "THIRTEENCHARS"));
+    wire.incoming = wire.sent;
+    EXPECT_EQ("THIRTEENCHARS", stringView(sockReceiveWord(kSocket)));
+}
