@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstdio>
 #include <cstring>
 #include <mutex>
 #include <string>
@@ -11,10 +12,14 @@
 
 #include "logger/Logger.h"
 #include "platform/clock.h"
+#include "platform/machine.h"
 #include "platform/messages.h"
 #include "platform/processes.h"
+#include "platform/registry.h"
 #include "platform/sockets.h"
 #include "platform/threads.h"
+#include "registry/Registry.h"
+#include "system/SystemInfo.h"
 #include "threads/QuitFlag.h"
 
 namespace {
@@ -135,9 +140,10 @@ TEST(Sockets, AReceiveTakesWhatArrivesInItsAttempts) {
     EXPECT_GE(spent, 400u);
     EXPECT_LT(spent, 1500u);
     std::thread peer([&] {
+        const auto start = std::chrono::steady_clock::now();
         for (int piece = 0; piece < 100; ++piece) {
+            std::this_thread::sleep_until(start + piece * std::chrono::microseconds(1500));
             sockSend(pair.far, "x", 1);
-            pause(2);
         }
     });
     EXPECT_EQ(std::string(100, 'x'), receive(pair.near, 100).bytes);
@@ -195,8 +201,13 @@ TEST(Sockets, ABrokenConnectionHasItsLines) {
     pair.closeFar();
     pause(50);
     Heard heard;
-    EXPECT_EQ(8u, receive(pair.near, 1).status);
-    EXPECT_EQ("3 sockReceive: #::400 - #::451 #::14\n", heard.text());
+    const Received broken = receive(pair.near, 1);
+    if (broken.status == 15 && osPlatformName() != std::string("linux"))
+        // Where a wait for bytes takes the error away the stream is at its end.
+        EXPECT_EQ("3 sockReceive: #::414\n", heard.text());
+    else
+        EXPECT_EQ("8 3 sockReceive: #::400 - #::451 #::14\n",
+                  std::to_string(broken.status) + " " + heard.text());
     EXPECT_NE(0u, sockSend(pair.near, "x", 1));  // and no signal ends the program
 }
 
@@ -208,11 +219,13 @@ TEST(Sockets, WhatIsNoSocketHasItsLines) {
     EXPECT_EQ(13u, sockSend(999999, "x", 1));
     EXPECT_EQ(18u, receive(999999, 1).status);
     EXPECT_EQ(0u, sockClose(999999));
+    EXPECT_EQ(0u, sockClose(2));  // a file, by a script's mistake
     EXPECT_EQ(kNoSocket, sockListen(999999, nullptr, 0, nullptr));
     EXPECT_EQ(
         "3 sockHaveData: #::415 - WSAENOTSOCK #::14\n"
         "3 sockSend: #::412 - WSAENOTSOCK #::14\n3 sockSend: #::412 #::14\n"
-        "3 sockReceive: #::415 #::14\n3 sockClose: #::411 #::14\n"
+        "3 sockReceive: #::415 #::14\n"
+        "3 sockClose: #::411 #::14\n3 sockClose: #::411 #::14\n"
         "3 sockListen: #::408 #::14\n",
         heard.text());
 }
@@ -260,6 +273,25 @@ TEST(Sockets, AConnectThatFailsSaysSoFromItsTimeOn) {
         EXPECT_LT(spent, 5000u);
         sockClose(kNoSocket);  // the reference that a failed connect keeps
     }
+}
+
+TEST(Sockets, ALaptopMayBeOffTheNetwork) {
+    const char* const store = "sockets-registry.db";
+    const Owned<String> key(stringFromView("SOFTWARE\\Quorel\\version6\\network"));
+    const Owned<String> name(stringFromView("laptop"));
+    std::remove(store);
+    osSetEnvironment("QUOREL_REGISTRY", store);
+    for (const bool isLaptop : {false, true}) {
+        sysReleaseCache();
+        regSetNumber(kOsLocalMachine, key.get(), name.get(), isLaptop);
+        Heard heard;
+        EXPECT_EQ(kNoSocket, sockConnect(kHost.get(), newPort(), 0, 1));
+        EXPECT_EQ(isLaptop, heard.text().empty()) << heard.text();
+        sockClose(kNoSocket);
+    }
+    osRegistryDeleteKey(kOsLocalMachine, "SOFTWARE\\Quorel\\version6\\network");
+    std::remove(store);
+    sysReleaseCache();
 }
 
 TEST(Sockets, TheQuitFlagEndsAConnect) {

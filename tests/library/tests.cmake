@@ -138,4 +138,4 @@ set_tests_properties(ShellObjectsTest PROPERTIES WORKING_DIRECTORY ${shellobj_fo
 # them absent run one after the other, as do those of ScriptCases.h, which share a file.
 set_tests_properties(BuiltInVariablesTest CommandCasesTest FileCasesTest LanguageCasesTest
     LogMessagesTest NamedLockTest PathsTest PlainCastTest RegistryTest ScriptMessagesTest
-    ScriptTrustTest ServiceTest SystemInfoTest PROPERTIES RESOURCE_LOCK registry)
+    ScriptTrustTest ServiceTest SocketsTest SystemInfoTest PROPERTIES RESOURCE_LOCK registry)

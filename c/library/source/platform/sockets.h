@@ -69,6 +69,7 @@ std::string osHostText(uint32_t host);
 // ---- Making and ending ----
 
 int osSocketCreate(int protocol, OsSocket* socket);
+// What is no socket stays open, with the error of kind `NotSocket`.
 int osSocketClose(OsSocket socket);
 
 enum class OsSocketOption {

@@ -145,8 +145,12 @@ int osSocketCreate(int protocol, OsSocket* socket) {
 }
 
 int osSocketClose(OsSocket socket) {
-    // After an interruption the descriptor is gone too.
-    return close(descriptorOf(socket)) == 0 || errno == EINTR ? 0 : errno;
+    // A number that a script made up may be that of a file.
+    int type = 0;
+    socklen_t size = sizeof type;
+    if (getsockopt(descriptorOf(socket), SOL_SOCKET, SO_TYPE, &type, &size) != 0) return errno;
+    close(descriptorOf(socket));  // whatever this says, the number is free again
+    return 0;
 }
 
 int osSocketSetOption(OsSocket socket, OsSocketOption option, int value) {

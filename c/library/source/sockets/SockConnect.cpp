@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "logger/StandardOutput.h"
 #include "platform/clock.h"
 #include "platform/sockets.h"
 #include "sockets/SockErrors.h"
@@ -12,7 +13,7 @@ namespace {
 
 constexpr uint32_t kMostTries = 100000;
 // With the quit flag set no try waits, and many would only turn round and round.
-constexpr uint32_t kMostTriesAtQuit = 100;
+constexpr uint32_t kMostTriesAtQuit = 2;
 constexpr uint32_t kWaitBetweenTries = 250;  // milliseconds
 constexpr uint64_t kSelectTime = 100;        // microseconds
 constexpr uint64_t kTimeLimit = 7;           // milliseconds
@@ -46,6 +47,7 @@ bool refused(Connecting* connecting, const char* format, int error) {
 // to the try and uses none up.
 bool waitOneTry(Connecting* connecting) {
     bool isReady = false;
+    outputFlush();
     osSocketWait(connecting->socket, OsSocketReady::Write, kWaitBetweenTries * 1000, quitEvent(),
                  &isReady);
     if (isReady) return true;
@@ -95,6 +97,7 @@ bool connectInTries(Connecting* connecting) {
         progress(*connecting, "sockConnect:    Failed to connect (error %i)", connecting->error);
         if (isUnderWay && completeConnect(connecting)) return true;
         if (osClockTicks() - firstTry > kTimeLimit) return false;
+        outputFlush();
         sleepInterruptible(kWaitBetweenTries);
         progress(*connecting, "sockConnect:    Trying again");
     }

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <cstring>
 
+#include "logger/StandardOutput.h"
 #include "platform/clock.h"
 #include "platform/mutex.h"
 #include "platform/sockets.h"
@@ -89,6 +90,7 @@ bool bindInAttempts(Socket socket, uint32_t port) {
     for (uint32_t attempt = 0; attempt < kBindAttempts; ++attempt) {
         error = osSocketBind(socket, static_cast<uint16_t>(port));
         if (error == 0) return true;
+        outputFlush();
         sleepInterruptible(kBindWait);
     }
     sockLog(kLogError, "sockCreateListener: #::406 #::14", error);
@@ -251,6 +253,7 @@ uint32_t sockSend(Socket socket, const char* data, uint32_t length) {
     sockLog(kLogFlood, "sockSend: Sending %i byte(s) through handle %u", length, socket);
     showBytes("sockSend:    Buffer=\"%s\"", "sockSend:    Buffer too large to write to debug", data,
               length);
+    outputFlush();
     for (uint32_t attempt = 0; attempt < kSendAttempts; ++attempt) {
         const int error = osSocketSend(socket, data, length);
         if (error == 0) {
@@ -269,6 +272,7 @@ uint32_t sockSend(Socket socket, const char* data, uint32_t length) {
 uint32_t sockReceive(Socket socket, char* buffer, uint32_t* length) {
     if (length == nullptr) return kSockError;
     bool isReady = false;
+    outputFlush();
     int error = osSocketWait(socket, OsSocketReady::Read, kFirstByteWait * kMicroseconds, nullptr,
                              &isReady);
     if (error != 0) {
@@ -301,6 +305,7 @@ bool sockHaveData(Socket socket, bool* closed, uint32_t timeoutMs) {
     // The rest of a second counts as microseconds: callers are used to it.
     const uint64_t microseconds = timeoutMs / 1000 * uint64_t{1000000} + timeoutMs % 1000;
     bool isReady = false;
+    if (timeoutMs > 0) outputFlush();
     const int error = osSocketWait(socket, OsSocketReady::Read, microseconds, nullptr, &isReady);
     if (error == 0) return isReady;
     const bool isBroken = sockReportLook(error);

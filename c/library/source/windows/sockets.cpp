@@ -96,8 +96,8 @@ int selectFor(SOCKET socket, OsSocketReady ready, uint64_t microseconds, bool* i
     fd_set set;
     FD_ZERO(&set);
     FD_SET(socket, &set);
-    const timeval time{static_cast<long>(microseconds / 1000000),
-                       static_cast<long>(microseconds % 1000000)};
+    timeval time{static_cast<long>(microseconds / 1000000),
+                 static_cast<long>(microseconds % 1000000)};
     const bool reads = ready == OsSocketReady::Read;
     const int count = select(0, reads ? &set : nullptr, reads ? nullptr : &set, nullptr, &time);
     if (count == SOCKET_ERROR) return WSAGetLastError();
