@@ -82,6 +82,13 @@ class Arguments {
     // Before an argument is evaluated: keeps what was lent out readable if that
     // can write to variables. False after a failure.
     bool keepLoansFrom(const ScriptObject* argument);
+    // What was fetched, as something that the handler may change; null after a failure.
+    ScriptObject* writable(uint32_t index, ScriptObject* object) {
+        if (object == nullptr) return nullptr;
+        if (loanCount_ != 0 || object->isShared()) return writableSlow(index, object);
+        if (targetCount_ < kTargets) targets_[targetCount_++] = object;
+        return object;
+    }
 
     ScriptEngine* engine_;
     ScriptBlock* block_;
@@ -102,12 +109,6 @@ class Arguments {
         const bool isPlain =
             object != nullptr && object->type != kTypePointer && object->type != kTypeExpr;
         return isPlain ? object : nullptr;
-    }
-    ScriptObject* writable(uint32_t index, ScriptObject* object) {
-        if (object == nullptr) return nullptr;
-        if (loanCount_ != 0 || object->isShared()) return writableSlow(index, object);
-        if (targetCount_ < kTargets) targets_[targetCount_++] = object;
-        return object;
     }
     ScriptObject* fetch(uint32_t index, bool followRefs);
     ScriptObject* refuse(uint32_t index, ScriptType type);

@@ -48,7 +48,8 @@ class ContainerArguments : public Arguments {
     ScriptObject* unfollowedTarget(uint32_t index) {
         if (!ok()) return nullptr;
         ScriptObject* object = scriptBlockSearchPlace(block_, arg(index), nullptr);
-        return object != nullptr && object->type == kTypePointer ? object : target(index);
+        if (object == nullptr || object->type == kTypeExpr) return target(index);
+        return object->type == kTypePointer ? object : writable(index, object);
     }
     // Assigns an element of a vector to such a target. A pointer that refers to
     // nothing, or to nothing any more, is aimed at the element as it is seen
