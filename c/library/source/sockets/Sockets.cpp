@@ -3,9 +3,11 @@
 #include <algorithm>
 #include <atomic>
 #include <cstring>
+#include <string>
 
 #include "logger/StandardOutput.h"
 #include "platform/clock.h"
+#include "platform/messages.h"
 #include "platform/mutex.h"
 #include "platform/sockets.h"
 #include "sockets/SockErrors.h"
@@ -91,7 +93,8 @@ bool bindInAttempts(Socket socket, uint32_t port) {
         error = osSocketBind(socket, static_cast<uint16_t>(port));
         if (error == 0) return true;
         outputFlush();
-        sleepInterruptible(kBindWait);
+        // Whoever asks the thread to end need not wait for the attempts that are left.
+        if (osWaitForEvent(quitEvent(), kBindWait) != OsWake::Timeout) break;
     }
     sockLog(kLogError, "sockCreateListener: #::406 #::14", error);
     return false;

@@ -32,7 +32,8 @@ uint32_t sockInit();
 void sockTerm();
 
 // A socket that listens on the port at all addresses, after up to five attempts to
-// get the port; -1 on failure.
+// get the port; the quit flag or a message to the calling thread ends them. -1 on
+// failure.
 Socket sockCreateListener(uint32_t port);
 
 // Waits for a connection, however long it takes, or for a message to the calling
