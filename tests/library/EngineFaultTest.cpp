@@ -8,6 +8,7 @@
 #include "containers/Memory.h"
 #include "logger/MessageExpand.h"
 #include "platform/machine.h"
+#include "threads/Thread.h"
 
 // Memory that runs out at any moment of a script's life: nothing breaks,
 // nothing leaks, and the engine ends as usual.
@@ -109,6 +110,10 @@ end
 
 // The commands on containers, texts and times. `out` is what all this comes to.
 constexpr const char* kCommands = R"(
+function begin
+end
+function ended
+end
 function main
   global out
   vector v
@@ -237,6 +242,64 @@ function look
 end
 )";
 
+// A listener, both ends of a connection, and all that passes without an answer. No
+// step waits for what a step that failed has not sent.
+constexpr const char* kNetwork = R"(
+function begin
+  global port near far
+  getpid port
+  eval ( port = 10000 + port % 20000 )
+end
+function main
+  global out port near far
+  number n
+  number tries
+  string s host
+  list l
+  map m
+  eval ( out = "" )
+  startlistener port
+  sleep 20
+  connect "127.0.0.1" port near
+  if ( ! success )
+    return 0
+  end
+  getnextconn port far host n
+  while ( ! success & tries < 100 )
+    sleep 1
+    eval ( ++ tries )
+    getnextconn port far host n
+  end
+  if ( ! success )
+    return 0
+  end
+  tonetworkbyteorder 1 s
+  fromnetworkbyteorder s n
+  sendnumber near 2.5
+  recvnumber far n
+  sendraw near "\a0000023a text of its own, long\a0000005@list\a0000001\a0000020an element of a list" 80
+  if success
+    recvstring far s
+  end
+  if success
+    recvlist far l
+  end
+  sendraw near "\a0000004@map\a0000001\a0000001k\a0000020a value that is long" 57
+  if success
+    recvmap far m
+  end
+  sendraw near host 9
+  recvraw far s 9
+  eval ( out = "all " . s . l . m . n )
+end
+function ended
+  global port near far
+  closeconnection near
+  closeconnection far
+  endlistener port
+end
+)";
+
 constexpr char kScriptFile[] = "EngineFaultTest.qcs";
 
 int logLevel = kLogTrace;
@@ -268,6 +331,16 @@ class EngineFault : public testing::Test {
         logShutdown();
         remove(kScriptFile);
     }
+
+    struct Walk {
+        const char* script;
+        const char* before;    // may be null, like `after`
+        const char* function;  // sets `out`
+        const char* after;
+        int errors;  // of the script itself
+        size_t leastText;
+    };
+    static void walk(const Walk& walk);
 
     // From nothing to the end of a run; true when that was reached. Any other
     // end has been reported.
@@ -305,48 +378,58 @@ TEST_F(EngineFault, AnyRequestForMemoryMayFail) {
     EXPECT_TRUE(live());
 }
 
+// Runs a function of the script, between two others, again and again, each time
+// with less memory.
+void EngineFault::walk(const Walk& walk) {
+    SCOPED_TRACE(walk.function);
+    std::ofstream(kScriptFile, std::ios::binary) << walk.script;
+    const Owned<String> path(stringFromText(kScriptFile));
+    ScriptEngine* engine = scriptEngineCreate();
+    ASSERT_TRUE(scriptEnginePrepareEngine(engine));
+    engine->requireSignature = 0;
+    const uint32_t id = scriptVarNameToId(engine->parseTables, "out");
+    ASSERT_TRUE(scriptEnginePrepareRun(engine, path.get()));
+    long long requests = 0;
+    const auto runFunction = [engine](const char* name) {
+        if (name == nullptr) return;
+        const Owned<String> function(stringFromText(name));
+        scriptEngineRun(engine, function.get());
+    };
+    const Owned<String> function(stringFromText(walk.function));
+    const auto run = [&](long long at, bool allLater) {
+        runFunction(walk.before);
+        errors = 0;
+        memFailAfter(at, allLater);
+        scriptEngineRun(engine, function.get());
+        requests = static_cast<long long>(memRequestCount());
+        memFailAfter(-1, false);
+        runFunction(walk.after);
+        EXPECT_EQ(0u, engine->stack.size());
+        const ScriptObject* out = scriptBlockOwnVar(engine->globalBlock, id);
+        return out == nullptr || out->type != kTypeString ? "none"
+                                                          : std::string(stringView(&out->string));
+    };
+    const std::string whole = run(-1, false);
+    EXPECT_LE(walk.leastText, whole.size());
+    EXPECT_EQ(walk.errors, errors);
+    ASSERT_EQ(whole, run(-1, false));
+    const long long wholeRequests = requests;
+    EXPECT_LT(10, wholeRequests);
+    for (const bool allLater : {false, true})
+        for (long long at = 0; at < wholeRequests && !HasFailure(); ++at) {
+            SCOPED_TRACE(at);
+            run(at, allLater);
+        }
+    EXPECT_EQ(whole, run(-1, false));
+    scriptEngineDestroy(&engine);
+}
+
 TEST_F(EngineFault, EveryCommandEndsWithAStatusWhenMemoryEnds) {
-    const struct {
-        const char* script;
-        const char* function;
-        int errors;  // of the script itself
-        size_t leastText;
-    } cases[] = {{kCommands, "main", 0, 400},
-                 {kOutside, "settings", 0, 60},
-                 {kOutside, "run", 0, 4},
-                 {kOutside, "look", 5, 6}};
-    for (const auto& [script, function, scriptErrors, leastText] : cases) {
-        SCOPED_TRACE(function);
-        std::ofstream(kScriptFile, std::ios::binary) << script;
-        const Owned<String> path(stringFromText(kScriptFile));
-        const Owned<String> start(stringFromText(function));
-        ScriptEngine* engine = scriptEngineCreate();
-        ASSERT_TRUE(scriptEnginePrepareEngine(engine));
-        engine->requireSignature = 0;
-        const uint32_t id = scriptVarNameToId(engine->parseTables, "out");
-        ASSERT_TRUE(scriptEnginePrepareRun(engine, path.get()));
-        const auto run = [&] {
-            errors = 0;
-            scriptEngineRun(engine, start.get());
-            EXPECT_EQ(0u, engine->stack.size());
-            const ScriptObject* out = scriptBlockOwnVar(engine->globalBlock, id);
-            return out == nullptr ? "none" : std::string(stringView(&out->string));
-        };
-        const std::string whole = run();
-        EXPECT_LE(leastText, whole.size());
-        EXPECT_EQ(scriptErrors, errors);
-        const unsigned long long before = memRequestCount();
-        ASSERT_EQ(whole, run());
-        const auto requests = static_cast<long long>(memRequestCount() - before);
-        EXPECT_LT(10, requests);
-        for (const bool allLater : {false, true})
-            for (long long at = 0; at < requests && !HasFailure(); ++at) {
-                SCOPED_TRACE(at);
-                memFailAfter(at, allLater);
-                run();
-                memFailAfter(-1, false);
-            }
-        EXPECT_EQ(whole, run());
-        scriptEngineDestroy(&engine);
-    }
+    walk({kCommands, nullptr, "main", nullptr, 0, 400});
+    walk({kOutside, nullptr, "settings", nullptr, 0, 60});
+    walk({kOutside, nullptr, "run", nullptr, 0, 4});
+    walk({kOutside, nullptr, "look", nullptr, 5, 6});
+    threadModuleInit();
+    walk({kNetwork, "begin", "main", "ended", 0, 20});
+    threadModuleDone();
 }

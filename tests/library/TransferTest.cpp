@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "containers/Memory.h"
+#include "logger/Logger.h"
+#include "logger/MessageExpand.h"
 #include "sockets/ControlWords.h"
 
 // The protocol against a wire that the test holds in its hands: it stands in for
@@ -41,6 +43,13 @@ bool send(const std::string& bytes, const std::string& answers) {
     wire.answers = answers;
     const Owned<String> text(stringFromView(bytes));
     return sockSendString(kSocket, text.get());
+}
+
+std::string logged;
+bool hear(void*, int, LogForm form, const char* format, const LogArg* args, uint32_t count) {
+    const Owned<String> line(messageExpand(format, form, args, count));
+    logged += stringView(line.get());
+    return true;
 }
 
 std::string field(const std::string& text) {
@@ -79,8 +88,12 @@ TEST(Transfer, NumbersPassAsTextsBehindTheirLength) {
     const struct {
         double value;
         const char* text;
-    } cases[] = {
-        {2.5, "2.5"}, {7, "7"}, {-1.5, "-1.5"}, {0.000000001, "0"}, {4294967295, "4294967295"}};
+    } cases[] = {{2.5, "2.5"},
+                 {7, "7"},
+                 {-1.5, "-1.5"},
+                 {0.000000001, "0"},
+                 {4294967295, "4294967295"},
+                 {1e39, "999999999999999939709166371603178586112"}};
     for (const auto& [value, text] : cases) {
         wire = {};
         EXPECT_TRUE(sockSendDouble(kSocket, value));
@@ -162,23 +175,28 @@ TEST(Transfer, StringsPassInChunksEachAcknowledged) {
 }
 
 TEST(Transfer, TheSenderGoesByTheReceiversWord) {
+    const std::string noAck = "sockSendString: Didn't get ACK on sent string";
+    const std::string other = "sockSendString: Expected \"ACK\" or \"AGAIN\", got \"NACK\"";
     const struct {
         std::string answers;
-        bool done;
+        std::string line;
         int repeats;
-    } cases[] = {{kAgain + kAgain + kAgain + kAgain + kAgain + kAck, true, 6},
-                 {"NACK_________" + kAck, false, 1},
-                 {"WAIT_________" + kAck, false, 1},
-                 {"CANCEL_______" + kAck, false, 1},
-                 {"ack__________" + kAck, false, 1},
-                 {"ACK", false, 1},
-                 {"", false, 1}};
-    for (const auto& [answers, done, repeats] : cases) {
-        EXPECT_EQ(done, send("hi", answers)) << answers;
+    } cases[] = {{kAgain + kAgain + kAgain + kAgain + kAgain + kAck, "", 6},
+                 {"NACK_________" + kAck, other, 1},
+                 {"CANCEL_______" + kAck, noAck, 1},
+                 {"ack__________" + kAck, noAck, 1},
+                 {"ACK", noAck, 1}};
+    int level = kLogWarning;
+    logAddGlobalListener(&logged, hear, &level);
+    for (const auto& [answers, line, repeats] : cases) {
+        logged.clear();
+        EXPECT_EQ(line.empty(), send("hi", answers)) << answers;
         std::string wanted = field("2");
         for (int at = 0; at < repeats; ++at) wanted += "hi";
         EXPECT_EQ(wanted, wire.sent) << answers;
+        EXPECT_EQ(line, logged);
     }
+    logShutdown();
 }
 
 TEST(Transfer, AChunkThatCameShortIsAskedForAgainAndGivenUp) {

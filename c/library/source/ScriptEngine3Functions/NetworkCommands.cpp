@@ -4,7 +4,6 @@
 
 #include "ScriptEngine3Defs/ScriptListener.h"
 #include "ScriptEngine3Functions/ContainerArguments.h"
-#include "logger/StandardOutput.h"
 #include "sockets/Transfer.h"
 #include "strings/StringNumbers.h"
 
@@ -36,13 +35,6 @@ class NetworkArguments : public Arguments {
         logError(engine_->logger, "%s: Second parameter must be a vector, a list or a set", name);
         return fail();
     }
-
-    // To be asked once all is read: whether the command can begin what it may
-    // have to wait for. What was printed does not wait with it.
-    bool ready() {
-        if (ok()) outputFlush();
-        return ok();
-    }
 };
 
 int scriptEngineConnect(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
@@ -51,7 +43,7 @@ int scriptEngineConnect(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* ar
     const String* host = in.string(0);
     const uint32_t port = in.port(1);
     ScriptObject* target = in.retyped(2, kTypeNumber);
-    if (!in.ready()) return in.status();
+    if (!in.ok()) return in.status();
     const Socket socket = sockConnect(host, port, 0, kTries);
     if (socket == kNoSocket) return kNegative;
     target->number = static_cast<double>(socket);
@@ -87,7 +79,7 @@ int scriptEngineStartListener(ScriptEngine* engine, ScriptBlock* block, ScriptAr
 int scriptEngineEndListener(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
     NetworkArguments in(engine, block, args);
     const uint32_t port = in.port(0);
-    if (!in.ready()) return in.status();
+    if (!in.ok()) return in.status();
     MapNode* node = mapFindNode(engine->listeners, &port);
     if (node == nullptr) return kNegative;
     auto* listener = static_cast<ScriptListener*>(node->value);
@@ -136,7 +128,7 @@ int scriptEngineSendRaw(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* ar
     const Socket socket = in.socket(0);
     const String* bytes = in.string(1);
     const uint32_t count = in.size(2);
-    if (!in.ready()) return in.status();
+    if (!in.ok()) return in.status();
     if (count > bytes->length) return kNegative;
     return answer(sockSend(socket, stringBytes(bytes), count) == kSockDone);
 }
@@ -145,7 +137,7 @@ int scriptEngineSendString(ScriptEngine* engine, ScriptBlock* block, ScriptArgs*
     NetworkArguments in(engine, block, args);
     const Socket socket = in.socket(0);
     const String* text = in.string(1);
-    if (!in.ready()) return in.status();
+    if (!in.ok()) return in.status();
     return answer(sockSendString(socket, text));
 }
 
@@ -153,7 +145,7 @@ int scriptEngineSendNumber(ScriptEngine* engine, ScriptBlock* block, ScriptArgs*
     NetworkArguments in(engine, block, args);
     const Socket socket = in.socket(0);
     const double value = in.number(1);
-    if (!in.ready()) return in.status();
+    if (!in.ok()) return in.status();
     return answer(sockSendDouble(socket, value));
 }
 
@@ -176,7 +168,7 @@ int scriptEngineSendList(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* a
     NetworkArguments in(engine, block, args);
     const Socket socket = in.socket(0);
     const ScriptObject* list = in.container(1, kName);
-    if (!in.ready()) return in.status();
+    if (!in.ok()) return in.status();
     if (!sendHead(socket, kListTag, scriptContainerCount(list))) return kNegative;
     LocalString scratch;
     int status = kDone;
@@ -193,7 +185,7 @@ int scriptEngineSendMap(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* ar
     NetworkArguments in(engine, block, args);
     const Socket socket = in.socket(0);
     const ScriptObject* object = in.typed(1, kTypeMap);
-    if (!in.ready()) return in.status();
+    if (!in.ok()) return in.status();
     const Map* map = object->map.map;
     if (!sendHead(socket, kMapTag, mapCount(map))) return kNegative;
     LocalString keyScratch;
@@ -213,7 +205,7 @@ int scriptEngineRecvRaw(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* ar
     const Socket socket = in.socket(0);
     uint32_t count = in.size(2);
     ScriptObject* target = in.retyped(1, kTypeString);
-    if (!in.ready()) return in.status();
+    if (!in.ok()) return in.status();
     LocalString bytes;
     if (!stringReserve(&bytes, count)) return commandOutOfMemory(engine, "scriptEngineRecvRaw");
     if (sockReceive(socket, stringBytes(&bytes), &count) != kSockDone) return kNegative;
@@ -227,7 +219,7 @@ int scriptEngineRecvString(ScriptEngine* engine, ScriptBlock* block, ScriptArgs*
     NetworkArguments in(engine, block, args);
     const Socket socket = in.socket(0);
     ScriptObject* target = in.retyped(1, kTypeString);
-    if (!in.ready()) return in.status();
+    if (!in.ok()) return in.status();
     const Owned<String> text(sockReceiveString(socket));
     return answer(text && stringTake(&target->string, text.get()));
 }
@@ -236,7 +228,7 @@ int scriptEngineRecvNumber(ScriptEngine* engine, ScriptBlock* block, ScriptArgs*
     NetworkArguments in(engine, block, args);
     const Socket socket = in.socket(0);
     ScriptObject* target = in.retyped(1, kTypeNumber);
-    if (!in.ready()) return in.status();
+    if (!in.ok()) return in.status();
     return answer(sockReceiveDouble(socket, &target->number));
 }
 
@@ -264,7 +256,7 @@ int scriptEngineRecvList(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* a
     NetworkArguments in(engine, block, args);
     const Socket socket = in.socket(0);
     ScriptObject* list = in.container(1, kName);
-    if (!in.ready()) return in.status();
+    if (!in.ok()) return in.status();
     uint32_t count = 0;
     if (!receiveHead(socket, kListTag, &count)) return kNegative;
     for (; count > 0; --count) {
@@ -282,7 +274,7 @@ int scriptEngineRecvMap(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* ar
     NetworkArguments in(engine, block, args);
     const Socket socket = in.socket(0);
     ScriptObject* map = in.target(1, kTypeMap);
-    if (!in.ready()) return in.status();
+    if (!in.ok()) return in.status();
     uint32_t count = 0;
     if (!receiveHead(socket, kMapTag, &count)) return kNegative;
     for (; count > 0; --count) {

@@ -1,10 +1,12 @@
 #include "sockets/Transfer.h"
 
 #include <algorithm>
+#include <charconv>
+#include <cmath>
 #include <string_view>
 
-#include "logger/Logger.h"
 #include "sockets/ControlWords.h"
+#include "sockets/SockErrors.h"
 #include "strings/StringNumbers.h"
 
 namespace {
@@ -12,12 +14,16 @@ namespace {
 constexpr uint32_t kFieldMax = 127;
 // The room that a string gets on the word of its sender alone.
 constexpr uint32_t kFirstRoom = 64 * 1024;
+// From here on a number has no decimals, and soon more digits than other texts of
+// numbers show. A text of more bytes than a field can have is sent all the same.
+constexpr double kLongNumber = 1e29;
+constexpr size_t kLongestNumber = 320;
 // How often a chunk that came short is asked for again.
 constexpr int kRepeats = 4;
 
 bool sendField(Socket socket, const char* name, std::string_view text) {
-    logFlood(nullptr, "%s: Sending %s", name, text);
-    const char length = static_cast<char>(text.size());
+    sockLog(kLogFlood, "%s: Sending %s", name, text);
+    const char length = static_cast<char>(text.size());  // its low bits
     return sockSend(socket, &length, 1) == kSockDone &&
            sockSend(socket, text.data(), static_cast<uint32_t>(text.size())) == kSockDone;
 }
@@ -32,7 +38,7 @@ bool receiveField(Socket socket, const char* name, char (&buffer)[kFieldMax],
     if (count == 0 || count > kFieldMax) return false;
     if (sockReceive(socket, buffer, &count) != kSockDone) return false;
     *text = {buffer, count};
-    logFlood(nullptr, "%s: Received %s", name, *text);
+    sockLog(kLogFlood, "%s: Received %s", name, *text);
     return true;
 }
 
@@ -57,21 +63,21 @@ bool sendChunk(Socket socket, const char* bytes, uint32_t count, uint32_t remain
     for (;;) {
         sockFlushInput(socket);  // words that belong to nothing any more
         if (sockSend(socket, bytes, count) != kSockDone) return false;
-        logFlood(nullptr, "sockSendString:    Sent %u byte(s) (%u remaining), awaiting ACK", count,
-                 remaining);
+        sockLog(kLogFlood, "sockSendString:    Sent %u byte(s) (%u remaining), awaiting ACK", count,
+                remaining);
         const String* word = sockReceiveWord(socket);
         if (word == nullptr) {
-            logWarning(nullptr, "sockSendString: Didn't get ACK on sent string");
+            sockLog(kLogWarning, "sockSendString: Didn't get ACK on sent string");
             return false;
         }
-        logFlood(nullptr, "sockSendString:    Got \"%S\" on sent string", word);
+        sockLog(kLogFlood, "sockSendString:    Got \"%S\" on sent string", word);
         const std::string_view answer = stringView(word);
         if (answer == "ACK") return true;
         if (answer == "AGAIN") continue;
         if (answer == "CANCEL")
-            logWarning(nullptr, "sockSendString: Received CANCEL signal");
+            sockLog(kLogWarning, "sockSendString: Received CANCEL signal");
         else
-            logError(nullptr, "sockSendString: Expected \"ACK\" or \"AGAIN\", got \"%S\"", word);
+            sockLog(kLogError, "sockSendString: Expected \"ACK\" or \"AGAIN\", got \"%S\"", word);
         return false;
     }
 }
@@ -82,14 +88,14 @@ bool receiveChunk(Socket socket, char* place, uint32_t want) {
     uint32_t got = want;
     if (sockReceive(socket, place, &got) != kSockDone) return false;
     for (int repeat = 0; got < want && repeat < kRepeats; ++repeat) {
-        logVerbose(nullptr,
-                   "sockReceiveString: Didn't receive correctly - will ask for the last chunk of "
-                   "data to be sent again");
+        sockLog(kLogVerbose,
+                "sockReceiveString: Didn't receive correctly - will ask for the last chunk of "
+                "data to be sent again");
         if (!sockSendWord(socket, "AGAIN")) return false;
         if (sockReceive(socket, place, &got) != kSockDone) return false;
     }
     if (got >= want) return true;
-    logVerbose(nullptr, "sockReceiveString: Didn't receive correctly - giving up");
+    sockLog(kLogVerbose, "sockReceiveString: Didn't receive correctly - giving up");
     sockSendWord(socket, "CANCEL");
     return false;
 }
@@ -123,8 +129,17 @@ bool sockSendUInt32(Socket socket, uint32_t value) {
 }
 
 bool sockSendDouble(Socket socket, double value) {
-    char text[kNumberTextMax];
-    return sendField(socket, "sockSendDouble", {text, numberToText(value, text)});
+    char text[kLongestNumber];
+    size_t length = 0;
+    if (std::isfinite(value) && std::fabs(value) >= kLongNumber) {
+        const auto end = std::to_chars(text, std::end(text), value, std::chars_format::fixed, 0);
+        length = static_cast<size_t>(end.ptr - text);
+    } else {
+        char shortText[kNumberTextMax];
+        length = numberToText(value, shortText);
+        std::copy_n(shortText, length, text);
+    }
+    return sendField(socket, "sockSendDouble", {text, length});
 }
 
 bool sockReceiveUInt32(Socket socket, uint32_t* value) {
@@ -146,7 +161,7 @@ bool sockReceiveDouble(Socket socket, double* value) {
 bool sockSendString(Socket socket, const String* string) {
     if (string == nullptr) return false;
     const std::string_view bytes = stringView(string);
-    logFlood(nullptr, "sockSendString: String string of %i bytes", string->length);
+    sockLog(kLogFlood, "sockSendString: String string of %i bytes", string->length);
     if (!sockSendUInt32(socket, string->length)) return false;
     for (uint32_t at = 0; at < string->length;) {
         const uint32_t remaining = string->length - at;
@@ -162,23 +177,23 @@ String* sockReceiveString(Socket socket) {
     if (!sockReceiveUInt32(socket, &length)) return nullptr;
     Owned<String> received(stringForLength(length));
     if (!received) {
-        logError(nullptr, "sockReceiveString: #::100");
+        sockLog(kLogError, "sockReceiveString: #::100");
         return nullptr;
     }
     for (uint32_t remaining = length; remaining > 0;) {
         const uint32_t want = std::min(remaining, kTransferChunk);
         char* place = placeForChunk(received.get(), want, length);
         if (place == nullptr) {
-            logError(nullptr, "sockReceiveString: memAlloc %i failed", want + 1);
+            sockLog(kLogError, "sockReceiveString: memAlloc %i failed", want + 1);
             return nullptr;
         }
         if (!receiveChunk(socket, place, want)) return nullptr;
-        logFlood(nullptr, "sockReceiveString:    Received %u byte(s) (%u remaining)", want,
-                 remaining);
+        sockLog(kLogFlood, "sockReceiveString:    Received %u byte(s) (%u remaining)", want,
+                remaining);
         if (!sockSendWord(socket, "ACK")) return nullptr;
         stringSetLength(received.get(), received->length + want);
         remaining -= want;
     }
-    logFlood(nullptr, "sockReceiveString: Received string of %u bytes", length);
+    sockLog(kLogFlood, "sockReceiveString: Received string of %u bytes", length);
     return received.release();
 }
