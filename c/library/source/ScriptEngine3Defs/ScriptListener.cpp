@@ -3,14 +3,13 @@
 #include "containers/Compare.h"
 #include "containers/List.h"
 #include "containers/Memory.h"
-#include "platform/messages.h"
 #include "threads/QuitFlag.h"
 
 namespace {
 
 constexpr uint32_t kHostSize = 260;
-constexpr int kStopLooks = 25;
-constexpr uint32_t kStopLook = 10;  // milliseconds
+constexpr uint32_t kMessageWait = 100;  // milliseconds
+constexpr uint32_t kStopWait = 25 * 10;
 // After a failed accept: one that fails for good must not take a processor.
 constexpr uint32_t kFailurePause = 100;
 
@@ -88,16 +87,6 @@ bool takeConnection(ScriptListener* listener, unsigned* exitCode, Logger* logger
     return false;
 }
 
-// Waits for the end of a thread that was asked to stop. It is asked at each look,
-// since a message ends only one of the waits in which it can be.
-bool hasEnded(Thread* thread) {
-    for (int look = 0; look < kStopLooks; ++look) {
-        if (threadWait(thread, kStopLook)) return true;
-        osPostMessage(thread->threadId, kOsMessageDestroy);
-    }
-    return false;
-}
-
 bool mustEnd(Thread* thread, const ScriptListener* listener) {
     threadTouch(thread);
     return threadQuitRequested() || listener->stopRequested != 0;
@@ -144,8 +133,10 @@ bool scriptListenerStop(ScriptListener* listener) {
     if (threadIsRunning(thread)) {
         listener->stopRequested = 1;
         threadSignalStop(thread);
-        sockBreak(listener->port);
-        if (!hasEnded(thread) && !threadTerm(thread) && threadIsRunning(thread)) return false;
+        // Mostly the message is enough. A connection that nobody takes would be logged.
+        if (!threadWait(thread, kMessageWait)) sockBreak(listener->port);
+        const bool goesOn = !threadWait(thread, kStopWait) && !threadTerm(thread);
+        if (goesOn && threadIsRunning(thread)) return false;
     }
     if (listener->socket != kNoSocket) sockClose(listener->socket);
     listener->socket = kNoSocket;
