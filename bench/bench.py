@@ -20,6 +20,7 @@ import time
 import bundles
 import directories
 import growth
+import network
 
 HERE = pathlib.Path(__file__).resolve().parent
 WORK = HERE.parent / "build" / "bench"
@@ -333,6 +334,7 @@ def main():
         print_directories(languages, source, arguments.rounds)
     bundles.run(os.path.abspath(arguments.program), WORK, wanted, min(arguments.rounds, 2),
                 arguments.megabytes)
+    network.run(arguments.program, WORK, wanted, min(arguments.rounds, 3))
     ours = languages["plaincast"][0]
     if wanted("growth"):
         grown = growth.Growth(ours, HERE, WORK, arguments.rounds, row, measure)
