@@ -41,6 +41,18 @@ plaincast_test(NamedLockTest processes)
 target_compile_definitions(NamedLockTest PRIVATE
     PLAINCAST_PROGRAM="$<TARGET_FILE:quorel_plaincast>")
 add_dependencies(NamedLockTest quorel_plaincast quorel_testchild)
+if(WIN32)
+    # In both directions with the other system's program, where that is built.
+    add_test(NAME NetworkPeers COMMAND python3 ${PROJECT_SOURCE_DIR}/tests/peers/network.py
+        $<TARGET_FILE:quorel_plaincast> ${PROJECT_SOURCE_DIR}/build/linux/quorel_plaincast)
+else()
+    add_test(NAME NetworkPeers COMMAND python3 ${PROJECT_SOURCE_DIR}/tests/peers/network.py
+        $<TARGET_FILE:quorel_plaincast>)
+    # Its long form is a soak test.
+    add_test(NAME NetworkSoak COMMAND ${PROJECT_SOURCE_DIR}/tests/soak/network
+        $<TARGET_FILE:quorel_plaincast> 300)
+    set_tests_properties(NetworkPeers NetworkSoak PROPERTIES LABELS threads)
+endif()
 plaincast_test(PathOperationsTest paths)
 plaincast_test(PathTreeTest pathtree)
 if(WIN32)
