@@ -30,7 +30,8 @@ WRONG = (b"\0" + b"1" * 9, b"\x801", b"\xff" + b"1" * 300, b"\x7f" + b"0" * 127,
 
 # By type: how a script makes the value that it sends, the value, and the peer's functions.
 KINDS = {
-    "string": ('filetostr "sent" value', bytes(range(256)) * 32 + b"x",
+    # The command that reads it leaves carriage returns out.
+    "string": ('filetostr "sent" value', bytes(range(256)).replace(b"\r", b"") * 33,
                Peer.send_string, Peer.receive_string),
     "list": ('listappend value 1 "two" "" -1.5', [[b"1"], [b"two"], [b""], [b"-1.5"]],
              lambda peer, rows: peer.send_rows(b"@list", rows),
@@ -108,7 +109,10 @@ def text_of(value):
         return value or b""
     if value and len(value[0]) == 2:
         value = sorted(dict(value).items(), key=lambda row: [byte ^ 128 for byte in row[0]])
-    return b";".join(b"=".join(row) for row in value)
+    text = b""
+    for row in value:  # no separator before the first byte
+        text += (b";" if text else b"") + b"=".join(row)
+    return text
 
 
 class Taking(Peer):
@@ -206,7 +210,8 @@ def receiving(kind):
         value = KINDS[kind][3](peer)
         if kind == "number":
             digits = re.match(rb"\s*[+-]?\d+\.?\d*", value or b"")
-            return value is not None, b"%g" % float(digits[0] if digits else 0)
+            text = b"%.8f" % float(digits[0] if digits else 0)
+            return value is not None, text.rstrip(b"0").rstrip(b".")
         return value if isinstance(value, tuple) else (value is not None, value)
     return act
 
@@ -306,9 +311,9 @@ def exchanges(sizes):
     yield "sendlist s v", f'recvlist s k {TELL} listtofile k "elements"'
     yield ("vecclear v \n recvlist s v", 'listclear l \n listappend l "b" "a" \n listclear k \n'
            'listappend k 5 l m "" \n sendlist s k')
-    yield "sendlist s v", f'setinsert e 1 \n recvlist s e {TELL} appendstrtofile e "values"'
+    yield "sendlist s v", f'setinsert e 1 \n recvlist s e {TELL} appendstrtofile ( "" . e ) "values"'
     yield "recvmap s m", 'mapset m 1 k \n mapset m "a=b" "" \n mapset m "k" -2.5 \n sendmap s m'
-    yield "sendmap s m", f'mapset q "k" "old" \n recvmap s q {TELL} appendstrtofile q "values"'
+    yield "sendmap s m", f'mapset q "k" "old" \n recvmap s q {TELL} appendstrtofile ( "" . q ) "values"'
 
 
 def converse(name, listener, caller):
@@ -318,7 +323,7 @@ def converse(name, listener, caller):
     large, elements = LARGE[any(program.endswith(".exe") for program in (listener, caller))]
     sizes = (*SIZES, large)
     for size in sizes:
-        place.joinpath(f"in.{size}").write_bytes(os.urandom(size))
+        place.joinpath(f"in.{size}").write_bytes(os.urandom(size).replace(b"\r", b"x"))
     place.joinpath("elements").write_text("".join(f"element {at}\n" for at in range(elements)))
     listens, calls = (" \n ".join(column) for column in zip(*exchanges(sizes)))
     theirs = start(listener, place / "listener",
@@ -329,7 +334,7 @@ def converse(name, listener, caller):
     assert place.joinpath("listener", "results").read_bytes() == b"0", (name, said)
     out = {path.name: path.read_bytes() for path in place.joinpath("caller").iterdir()}
     assert out["results"] == b"1" * (len(sizes) + len(NUMBERS) + 3) + b"0", (name, out["results"])
-    assert out["values"] == b"2.5 7 0 -0.1 4294967296 0 ;;5;b;a" b"1=5;b;a;;;a=b=;k=-2.5", out["values"]
+    assert out["values"] == b"2.5 7 0 -0.1 4294967296 0 1;5;b;a" b"1=5;b;a;;;a=b=;k=-2.5", out["values"]
     assert out["elements"] == place.joinpath("elements").read_bytes(), name
     for size in sizes:
         assert out[f"out.{size}"] == place.joinpath(f"in.{size}").read_bytes(), (name, size)
