@@ -334,7 +334,8 @@ def converse(name, listener, caller):
     assert place.joinpath("listener", "results").read_bytes() == b"0", (name, said)
     out = {path.name: path.read_bytes() for path in place.joinpath("caller").iterdir()}
     assert out["results"] == b"1" * (len(sizes) + len(NUMBERS) + 3) + b"0", (name, out["results"])
-    assert out["values"] == b"2.5 7 0 -0.1 4294967296 0 1;5;b;a" b"1=5;b;a;;;a=b=;k=-2.5", out["values"]
+    values = b"2.5 7 0 -0.1 4294967296 0 1;5;b;a" b"1=5;b;a;;;a=b=;k=-2.5"
+    assert out["values"] == values, (name, out["values"])
     assert out["elements"] == place.joinpath("elements").read_bytes(), name
     for size in sizes:
         assert out[f"out.{size}"] == place.joinpath(f"in.{size}").read_bytes(), (name, size)
