@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstring>
 
 #include "platform/clock.h"
@@ -249,9 +250,8 @@ int osSocketWait(OsSocket socket, OsSocketReady ready, uint64_t microseconds, Os
 }
 
 int osSocketSend(OsSocket socket, const char* data, size_t length) {
-    return send(handleOf(socket), data, static_cast<int>(length), 0) == SOCKET_ERROR
-               ? WSAGetLastError()
-               : 0;
+    const int count = static_cast<int>(std::min<size_t>(length, INT_MAX));
+    return send(handleOf(socket), data, count, 0) == SOCKET_ERROR ? WSAGetLastError() : 0;
 }
 
 int osSocketRead(OsSocket socket, char* buffer, size_t length, size_t* got) {
