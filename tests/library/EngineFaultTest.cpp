@@ -401,7 +401,7 @@ void EngineFault::walk(const Walk& walk) {
         errors = 0;
         memFailAfter(at, allLater);
         scriptEngineRun(engine, function.get());
-        requests = static_cast<long long>(memRequestCount());
+        if (at < 0) requests = static_cast<long long>(memRequestCount());
         memFailAfter(-1, false);
         runFunction(walk.after);
         EXPECT_EQ(0u, engine->stack.size());
