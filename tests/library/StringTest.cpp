@@ -96,6 +96,8 @@ TEST(StringEdit, ReplacesWithoutRescanningAndWithinTheRange) {
         cases[] = {{"aaaa", "aa", "b", 1, kStringEnd, 1, "aba"},
                    {"a-b-c-d", "-", "", 2, 4, 2, "a-bcd"},
                    {"abab", "ab", "x", 0, 3, 1, "xab"},
+                   {"one two one", "one", "two", 0, kStringEnd, 2, "two two two"},
+                   {"a.b.c", ".", "::", 0, 4, 2, "a::b::c"},
                    {"abc", "b", "x", 9, kStringEnd, 0, "abc"},
                    {"abc", nullptr, "x", 0, kStringEnd, -1, "abc"}};
     for (const auto& [before, from, to, start, count, result, after] : cases) {

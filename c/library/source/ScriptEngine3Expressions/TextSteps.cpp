@@ -117,8 +117,7 @@ ScriptObject* targetOf(const ExprStep* step, ScriptBlock* block, const EvalValue
 // `x .= y` and `x += y`.
 bool runAppend(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepStop* stop) {
     ScriptObject* target = targetOf(step, block, top);
-    if (target == nullptr || target == objectOf(step->right, block, top))
-        return leaveStep(step, top, stop);
+    if (target == nullptr) return leaveStep(step, top, stop);
     char digits[kNumberTextMax];
     std::string_view piece;
     if (!pieceOf(step->right, block, top, digits, &piece) ||

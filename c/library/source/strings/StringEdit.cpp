@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <functional>
 
 #include "strings/StringFind.h"
 
@@ -59,12 +60,43 @@ bool mapBytes(String* s, char first, char last, int distance) {
     return true;
 }
 
+bool isPartOf(std::string_view part, std::string_view text) {
+    return std::less_equal<>()(text.data(), part.data()) &&
+           std::less<>()(part.data(), text.data() + text.size());
+}
+
+// Where nothing grows the text moves together in its own buffer: a large one
+// needs no second. What is still to be searched is never written to.
+int64_t replaceInPlace(String* s, std::string_view from, std::string_view to, size_t hit,
+                       const std::string_view searched) {
+    char* const text = stringBytes(s);
+    size_t copied = 0;
+    char* end = text;
+    int64_t count = 0;
+    const auto keep = [&](size_t until) {
+        if (end != text + copied) std::memmove(end, text + copied, until - copied);
+        end += until - copied;
+    };
+    for (; hit != std::string_view::npos; hit = searched.find(from, copied)) {
+        keep(hit);
+        std::memcpy(end, to.data(), to.size());
+        end += to.size();
+        copied = hit + from.size();
+        ++count;
+    }
+    keep(s->length);
+    stringSetLength(s, static_cast<uint32_t>(end - text));
+    return count;
+}
+
 int64_t replaceAll(String* s, std::string_view from, std::string_view to, const Range& range) {
     if (from.empty()) return 0;
     const std::string_view text = stringView(s);
     const std::string_view searched = text.substr(0, range.last);
     size_t hit = searched.find(from, range.first);
     if (hit == std::string_view::npos) return 0;
+    if (to.size() <= from.size() && !isPartOf(from, text) && !isPartOf(to, text))
+        return replaceInPlace(s, from, to, hit, searched);
     LocalString built;
     // Near to what is needed, so that a large text is not moved while it grows.
     if (!stringReserve(&built, s->length)) return -1;
