@@ -112,6 +112,12 @@ enum class OsSocketReady { Read, Write };
 int osSocketWait(OsSocket socket, OsSocketReady ready, uint64_t microseconds, OsEvent* event,
                  bool* isReady);
 
+// Waits for bytes to read, at most the time, and reads what is there then, at most
+// `length` bytes: `isReady` tells whether anything came, with `got` of 0 the end of
+// the stream. An error is that of the wait where `hasWaited` is false.
+int osSocketReadFirst(OsSocket socket, char* buffer, size_t length, uint64_t microseconds,
+                      size_t* got, bool* isReady, bool* hasWaited);
+
 // Sends the bytes, all of them where the socket's calls wait.
 int osSocketSend(OsSocket socket, const char* data, size_t length);
 

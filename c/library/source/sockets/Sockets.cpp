@@ -148,16 +148,19 @@ struct Reception {
 };
 
 // What arrives within the attempt's time belongs to it: only its full time, the
-// full length or the end of the stream ends it. Gives the error of a failed read.
-int receiveOnce(Reception* reception) {
-    uint64_t end = 0;
-    for (;;) {
+// full length or the end of the stream ends it. The first attempt goes on behind
+// the read that waited. Gives the error of a failed read.
+int receiveOnce(Reception* reception, bool isFirst) {
+    uint64_t end = isFirst ? osClockTicks() + kWaitAfterPart : 0;
+    for (;; isFirst = false) {
         size_t got = 0;
-        const int error = osSocketRead(reception->socket, reception->buffer + reception->total,
-                                       reception->length - reception->total, &got);
+        int error = 0;
+        if (!isFirst)
+            error = osSocketRead(reception->socket, reception->buffer + reception->total,
+                                 reception->length - reception->total, &got);
         if (error != 0 && osSocketErrorKind(error) != OsSocketError::WouldBlock) return error;
         reception->total += static_cast<uint32_t>(got);
-        reception->isAtEnd = error == 0 && got == 0;
+        if (!isFirst) reception->isAtEnd = error == 0 && got == 0;
         if (reception->isDone()) return 0;
         const uint64_t now = osClockTicks();
         if (end == 0) end = now + (error == 0 ? kWaitAfterPart : kWaitAfterNothing);
@@ -274,11 +277,15 @@ uint32_t sockSend(Socket socket, const char* data, uint32_t length) {
 
 uint32_t sockReceive(Socket socket, char* buffer, uint32_t* length) {
     if (length == nullptr) return kSockError;
+    size_t got = 0;
     bool isReady = false;
+    bool hasWaited = false;
     outputFlush();
-    int error = osSocketWait(socket, OsSocketReady::Read, kFirstByteWait * kMicroseconds, nullptr,
-                             &isReady);
-    if (error != 0) {
+    int error = osSocketReadFirst(socket, buffer, *length, kFirstByteWait * kMicroseconds, &got,
+                                  &isReady, &hasWaited);
+    const bool wasInVain = error != 0 && osSocketErrorKind(error) == OsSocketError::WouldBlock;
+    if (error != 0 && hasWaited && !wasInVain) return sockReportTransfer(kSockReceives, error);
+    if (error != 0 && !hasWaited) {
         sockLog(kLogError, "sockReceive: #::415 #::14", error);
         return kSockWaitError;
     }
@@ -286,9 +293,13 @@ uint32_t sockReceive(Socket socket, char* buffer, uint32_t* length) {
         sockLog(kLogWarning, "sockReceive: #::414");
         return kSockTimeout;
     }
-    Reception reception{.socket = socket, .buffer = buffer, .length = *length};
+    Reception reception{.socket = socket,
+                        .buffer = buffer,
+                        .length = *length,
+                        .total = static_cast<uint32_t>(got),
+                        .isAtEnd = got == 0 && !wasInVain};
     for (uint32_t attempt = 0; attempt < kReceiveAttempts && !reception.isDone(); ++attempt) {
-        error = receiveOnce(&reception);
+        error = receiveOnce(&reception, attempt == 0 && !wasInVain);
         if (error != 0) return sockReportTransfer(kSockReceives, error);
     }
     if (reception.total == 0 && *length > 0) {

@@ -265,3 +265,13 @@ int osSocketRead(OsSocket socket, char* buffer, size_t length, size_t* got) {
     *got = static_cast<size_t>(count);
     return 0;
 }
+
+int osSocketReadFirst(OsSocket socket, char* buffer, size_t length, uint64_t microseconds,
+                      size_t* got, bool* isReady, bool* hasWaited) {
+    *got = 0;
+    *hasWaited = false;
+    const int error = osSocketWait(socket, OsSocketReady::Read, microseconds, nullptr, isReady);
+    if (error != 0 || !*isReady) return error;
+    *hasWaited = true;
+    return osSocketRead(socket, buffer, length, got);
+}
