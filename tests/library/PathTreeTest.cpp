@@ -88,6 +88,15 @@ TEST(PathTree, FindsByThePathAndNotByWhatWasFoundBefore) {
     ASSERT_TRUE(pathTreeEraseNode(tree.get(), text("a.b").get(), nullptr));
     EXPECT_FALSE(has(tree.get(), "a.b.b"));
     ASSERT_TRUE(has(tree.get(), "a..b"));
+    for (const char* name : {"x", "y", "z"}) add(tree.get(), "a.c", name);
+    EXPECT_FALSE(has(tree.get(), "a.c.x")) << "without its parent";
+    add(tree.get(), "a", "c");
+    for (const char* name : {"x", "y", "z"}) add(tree.get(), "a.c", name);
+    for (const char* path : {"a.c.x", "a.c.y", "a.c.z", "a.c.x", "a..b", "a.c.y"})
+        EXPECT_TRUE(has(tree.get(), path)) << path;
+    ASSERT_TRUE(pathTreeEraseNode(tree.get(), text("a.c.y").get(), nullptr));
+    EXPECT_FALSE(has(tree.get(), "a.c.y"));
+    EXPECT_TRUE(has(tree.get(), "a.c.z"));
     pathTreeClear(tree.get(), nullptr);
     EXPECT_FALSE(has(tree.get(), "a..b"));
 }

@@ -135,6 +135,24 @@ PathTreeNode* walkDown(PathTreeNode* node, std::string_view path) {
     return node;
 }
 
+void forgetNear(const PathTree* tree) {
+    tree->near = tree->nearChild = nullptr;
+}
+
+// The child of that name: mostly the one found last again, the one behind it, or
+// the newest, which are at hand.
+PathTreeNode* nearOrChild(const PathTree* tree, const PathTreeNode* parent, std::string_view name) {
+    const uint32_t hash = textHash(name);
+    PathTreeNode* const last = tree->nearChild;
+    PathTreeNode* const likely[] = {last, last == nullptr ? nullptr : last->next,
+                                    parent->lastChild};
+    for (PathTreeNode* node : likely) {
+        if (node == nullptr || node->parent != parent || node->nameHash != hash) continue;
+        if (stringView(&node->name) == name) return tree->nearChild = node;
+    }
+    return tree->nearChild = childOfHash(parent, hash, name);
+}
+
 // Whether what stands behind the last point of a path is the name of a child of
 // what the path before it leads to: it is not where points end a path or meet.
 bool endsInPlainName(std::string_view path, size_t point) {
@@ -163,7 +181,7 @@ void pathTreeDestroy(PathTree** tree, DestroyFunction destroy) {
 
 void pathTreeClear(PathTree* tree, DestroyFunction destroy) {
     if (tree == nullptr) return;
-    tree->near = nullptr;
+    forgetNear(tree);
     destroyChildren(tree->root, destroy);
     endValue(tree->root, destroy);
 }
@@ -181,7 +199,7 @@ PathTreeNode* pathTreeFind(const PathTree* tree, const String* path) {
         if (parent == nullptr) return nullptr;
         tree->near = stringSetView(&tree->nearPath, parentPath) ? parent : nullptr;
     }
-    return pathTreeNodeChild(parent, text.substr(point + 1));
+    return nearOrChild(tree, parent, text.substr(point + 1));
 }
 
 PathTreeNode* pathTreeAddNode(PathTree* tree, const String* path, const String* name) {
@@ -226,7 +244,7 @@ List* pathTreeChildNames(const PathTree* tree, const String* path) {
 bool pathTreeEraseNode(PathTree* tree, const String* path, DestroyFunction destroy) {
     PathTreeNode* node = pathTreeFind(tree, path);
     if (node == nullptr || node == tree->root) return false;
-    tree->near = nullptr;
+    forgetNear(tree);
     pathTreeNodeDestroy(&node, destroy);
     return true;
 }

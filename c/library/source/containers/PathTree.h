@@ -34,7 +34,8 @@ struct PathTree {
     // The parent of the node that was found last, and its path: who walks or builds
     // a tree asks for one child after the other. Null without one.
     mutable PathTreeNode* near;
-    mutable String nearPath;  // in place
+    mutable PathTreeNode* nearChild;  // the child found last; null without one
+    mutable String nearPath;          // in place
 };
 
 // A tree with nothing but its root, owned by the caller; null when memory runs out.
