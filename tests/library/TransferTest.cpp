@@ -156,24 +156,6 @@ TEST(Transfer, NumbersAreReadAsFarAsTheyAreDigits) {
     EXPECT_EQ(12u, value);
 }
 
-TEST(Transfer, StringsPassInChunksEachAcknowledged) {
-    for (const size_t size : {0, 2, 8191, 8192, 8193, 16384, 300000}) {
-        const size_t chunks = (size + kTransferChunk - 1) / kTransferChunk;
-        std::string text(size, 'x');
-        for (size_t at = 0; at < size; ++at) text[at] = static_cast<char>(at * 31 + at / 256);
-        std::string acks;
-        for (size_t at = 0; at < chunks; ++at) acks += kAck;
-        EXPECT_TRUE(send(text, acks));
-        EXPECT_EQ(field(std::to_string(size)) + text, wire.sent);
-        EXPECT_EQ(chunks, static_cast<size_t>(wire.flushes));
-        const std::string stream = wire.sent;
-        wire = {};
-        EXPECT_EQ(text, received(stream + "surplus"));
-        EXPECT_EQ(acks, wire.sent);
-        EXPECT_EQ("surplus", wire.incoming);
-    }
-}
-
 TEST(Transfer, TheSenderGoesByTheReceiversWord) {
     const std::string noAck = "sockSendString: Didn't get ACK on sent string";
     const std::string other = "sockSendString: Expected \"ACK\" or \"AGAIN\", got \"NACK\"";
@@ -206,25 +188,6 @@ TEST(Transfer, AChunkThatCameShortIsAskedForAgainAndGivenUp) {
     // Four times, never for more than came last, and nothing in the end.
     EXPECT_EQ(kAgain + kAgain + kAgain + kAgain, wire.sent);
     EXPECT_EQ(500u - 60 - 40 - 30 - 30 - 30, wire.incoming.size());
-}
-
-TEST(Transfer, TheEndOfTheStreamAtAnyByteGivesNoString) {
-    const std::string text(kTransferChunk + 3, 'x');
-    const std::string stream = field(std::to_string(text.size())) + text;
-    for (size_t end = 0; end < stream.size(); end += end < 6 || end > 8190 ? 1 : 97) {
-        wire = {};
-        EXPECT_EQ("none", received(stream.substr(0, end))) << end;
-    }
-    const std::string acks = kAck + kAck;
-    for (size_t end = 0; end < acks.size(); ++end)
-        EXPECT_FALSE(send(text, acks.substr(0, end))) << end;
-    for (size_t sends = 0; sends < 4; ++sends) {
-        wire = {};
-        wire.answers = acks;
-        wire.sendsLeft = sends;
-        const Owned<String> string(stringFromView(text));
-        EXPECT_FALSE(sockSendString(kSocket, string.get())) << sends;
-    }
 }
 
 TEST(Transfer, AnAnnouncedLengthTakesNoMemory) {

@@ -13,7 +13,7 @@
 using Socket = int64_t;
 constexpr Socket kNoSocket = -1;
 
-// What the functions give. ORDER is that of no table: callers compare some of them.
+// What the functions give; callers compare some of them.
 enum SockStatus : uint32_t {
     kSockDone = 0,
     kSockNoLibrary = 1,  // the system has no sockets
