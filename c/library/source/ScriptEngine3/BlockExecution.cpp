@@ -1,8 +1,15 @@
 #include "ScriptEngine3/BlockExecution.h"
 
+#include "ScriptEngine3/BlockChain.h"
+#include "ScriptEngine3/FlowCommands.h"
+#include "ScriptEngine3/ResultSetting.h"
 #include "ScriptEngine3Defs/ScriptEvaluator.h"
 #include "ScriptEngine3Expressions/Evaluator.h"
 #include "platform/program.h"
+
+void setOtherResult(ScriptEngine* engine, ScriptObject* object, bool value) {
+    scriptObjectSetStringValue(engine, object, value ? "1" : "0");
+}
 
 namespace {
 
@@ -10,45 +17,6 @@ namespace {
 constexpr size_t kStackReserve = 256 * 1024;
 
 // What is marked `cold` here stands out of the way of the statements that succeed.
-
-[[gnu::cold, gnu::noinline]] void setOtherResult(ScriptEngine* engine, ScriptObject* object,
-                                                 bool value) {
-    scriptObjectSetStringValue(engine, object, value ? "1" : "0");
-}
-
-// Sets a result variable. They are numbers unless a script has made something
-// else of them, which then takes the text of the number as far as it can.
-inline void setResult(ScriptEngine* engine, ScriptObject* object, bool value) {
-    if (object->type == kTypeNumber) [[likely]]
-        object->number = value;
-    else
-        setOtherResult(engine, object, value);
-}
-
-inline void setSuccess(ScriptEngine* engine, bool value) {
-    if ((engine->namedResults & kSuccessNamed) != 0)
-        setResult(engine, engine->results.success, value);
-}
-void setError(ScriptEngine* engine, bool value) {
-    if ((engine->namedResults & kErrorNamed) != 0) setResult(engine, engine->results.error, value);
-}
-void setInvalidArgs(ScriptEngine* engine, bool value) {
-    if ((engine->namedResults & kInvalidArgsNamed) != 0)
-        setResult(engine, engine->results.invalidArgs, value);
-}
-void setOutOfMemory(ScriptEngine* engine, bool value) {
-    if ((engine->namedResults & kOutOfMemoryNamed) != 0)
-        setResult(engine, engine->results.outOfMemory, value);
-}
-
-inline void clearResults(ScriptEngine* engine) {
-    if (engine->namedResults == 0) return;
-    setSuccess(engine, false);
-    if (engine->namedResults == kSuccessNamed) return;
-    setError(engine, false);
-    setInvalidArgs(engine, false);
-    setOutOfMemory(engine, false);
-}
 
 // Logs a message about a statement whose format ends in its line and file.
 [[gnu::cold]] void logAboutLine(ScriptEngine* engine, int level, const char* format,
@@ -169,28 +137,41 @@ inline bool actOnStatus(ScriptEngine* engine, ScriptBlock* block, int status,
     return true;
 }
 
-// `eval` of an expression of the block itself, without its handler.
-inline int runEval(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
-    ScriptExpression* expression = scriptArgumentProgram(block, &line->args);
-    if (expression == nullptr) return line->handler(engine, block, &line->args, line->block);
-    if (scriptEngineRunQuietly(engine, block, expression)) return kDone;
+[[gnu::cold, gnu::noinline]] int undefinedExpression(ScriptEngine* engine) {
     logError(engine->logger, "Parameter %u is not (properly) defined", 1u);
     return kError;
 }
 
+// `eval` of what is no quick expression of the block itself.
+[[gnu::noinline]] int runOtherEval(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
+    ScriptExpression* expression = scriptArgumentProgram(block, &line->args);
+    if (expression == nullptr) return line->handler(engine, block, &line->args, line->block);
+    EvalResult result;
+    if (scriptEngineRunExpression(engine, block, expression, kWantNothing, &result)) return kDone;
+    return undefinedExpression(engine);
+}
+
 inline int runHandler(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
-    if (line->flow == kEvalCommand) return runEval(engine, block, line);
+    if (line->flow == kEvalCommand) return runOtherEval(engine, block, line);
     return line->handler(engine, block, &line->args, line->block);
+}
+
+// Before a statement. A `call` has a block from its first run on, and from then on
+// leaves the variables to the function's own statements.
+inline void beginLine(ScriptEngine* engine, const ScriptLine* line) {
+    if (line->block == kNoBlock && line->flow != kContinueCommand) setResults(engine, false);
+}
+
+inline bool findsItsCall(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
+    return line->flow != kCallCommand || isResolved(block, line) ||
+           resolveCall(engine, block, line);
 }
 
 // One statement; false when the block stops.
 inline bool runLine(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
-    // A `call` has a block from its first run on, and from then on leaves the
-    // variables to the function's own statements.
-    if (line->block == kNoBlock && line->flow != kContinueCommand) clearResults(engine);
-    if (line->flow == kCallCommand && !isResolved(block, line) && !resolveCall(engine, block, line))
-        return false;
-    return actOnStatus(engine, block, runHandler(engine, block, line), line);
+    beginLine(engine, line);
+    return findsItsCall(engine, block, line) &&
+           actOnStatus(engine, block, runHandler(engine, block, line), line);
 }
 
 // The same for a run that is watched, or whose files may have to be signed.
@@ -198,12 +179,105 @@ inline bool runLine(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) 
     logAboutLine(engine, kLogTrace, "scriptEngineRunBlock: Executing script line %u in \"%S%S\"",
                  line);
     if (engine->requireSignature && !signatureSuffices(engine, line)) return false;
-    if (line->block == kNoBlock && line->flow != kContinueCommand) clearResults(engine);
-    if (line->flow == kCallCommand && !isResolved(block, line) && !resolveCall(engine, block, line))
-        return false;
+    beginLine(engine, line);
+    if (!findsItsCall(engine, block, line)) return false;
     const int status = runHandler(engine, block, line);
     traceResult(engine, status, line);
     return actOnStatus(engine, block, status, line);
+}
+
+[[gnu::noinline]] bool runLinesWatched(ScriptEngine* engine, ScriptBlock* block) {
+    for (ScriptLine* line : block->shape->lines) {
+        if (!runLineWatched(engine, block, line)) return false;
+        if (engine->pending != 0) break;
+    }
+    return true;
+}
+
+[[gnu::cold, gnu::noinline]] bool stopAtUndefined(ScriptEngine* engine, ScriptBlock* block,
+                                                  const ScriptLine* line) {
+    return actOnStatus(engine, block, undefinedExpression(engine), line);
+}
+
+// What an `if` does whose condition is not false; false when the block stops.
+[[gnu::noinline]] bool takeIf(ScriptEngine* engine, ScriptBlock* block, ScriptTruth truth,
+                              const ScriptLine* line) {
+    return actOnStatus(engine, block, scriptEngineTakeIf(engine, block, truth, line->block), line);
+}
+
+// The statements of a block from one on, each for itself.
+[[gnu::noinline]] bool runLinesFrom(ScriptEngine* engine, ScriptBlock* block, size_t first) {
+    const GrowArray<ScriptLine*>& lines = block->shape->lines;
+    for (size_t at = first; at < lines.size(); ++at) {
+        if (!runLine(engine, block, lines[at])) return false;
+        if (engine->pending != 0) break;
+    }
+    return true;
+}
+
+// A statement whose chain stopped within its expression; false when the block stops.
+[[gnu::noinline]] bool finishLine(ScriptEngine* engine, ScriptBlock* block, EvalValue* stack,
+                                  const StepStop& stop) {
+    const ExprStep* first = stop.step;
+    while (first != block->shape->chain.begin() && first[-1].line == stop.step->line) --first;
+    ScriptLine* line = block->shape->lines[stop.step->line];
+    beginLine(engine, line);
+    // The statement's own program has the same steps.
+    const StepStop own{line->args.steps + (stop.step - first), stop.top};
+    if (line->flow == kEvalCommand) {
+        if (!scriptEngineGoOn(engine, block, kWantNothing, stack, &own, nullptr))
+            return stopAtUndefined(engine, block, line);
+    } else {
+        const bool hasValue = stop.step->kind == kStepCheck;
+        ScriptTruth truth;
+        if (!scriptEngineFindTruth(engine, block, stack, hasValue ? nullptr : &own, &truth))
+            return stopAtUndefined(engine, block, line);
+        if (truth != kFalse) return takeIf(engine, block, truth, line);
+        block->lastCondition = kConditionFalse;
+    }
+    setSuccess(engine, true);
+    return true;
+}
+
+// The statements of a block that has a chain.
+inline bool runChain(ScriptEngine* engine, ScriptBlock* block) {
+    EvalValue stack[kQuickDepth];
+    StepStop stop;
+    const ExprStep* step = block->shape->chain.begin();
+    for (;;) {
+        if (step->kind != kStepLine && step->kind != kStepEnd) {
+            if (block->ownLiterals != nullptr) [[unlikely]]
+                return runLinesFrom(engine, block, step->line);
+            step->run(step, block, stack, &stop);
+            step = stop.step;
+        }
+        if (step->kind == kStepEnd) return true;
+        const uint32_t number = step->line;
+        ScriptLine* line = block->shape->lines[number];
+        const bool good = step->kind == kStepLine   ? runLine(engine, block, line)
+                          : step->kind == kStepBody ? takeIf(engine, block, kTrue, line)
+                                                    : finishLine(engine, block, stack, stop);
+        if (!good) return false;
+        if (engine->pending != 0) return true;
+        do ++step;
+        while (step->line == number);
+    }
+}
+
+// The statements of a block without a chain.
+[[gnu::noinline]] bool runLines(ScriptEngine* engine, ScriptBlock* block) {
+    if (logWanted(kLogTrace) || engine->requireSignature) return runLinesWatched(engine, block);
+    block->shape->hasRun = true;
+    return runLinesFrom(engine, block, 0);
+}
+
+// Whether the statements are to run as a chain, which is made when they run again: what
+// runs once needs none.
+inline bool runsAsChain(ScriptEngine* engine, ScriptBlock* block) {
+    if (logWanted(kLogTrace) || engine->requireSignature) return false;
+    if (!block->shape->chain.empty()) [[likely]]
+        return true;
+    return block->shape->hasRun && block->ownLiterals == nullptr && blockChainMake(engine, block);
 }
 
 [[gnu::cold, gnu::noinline]] bool nestedTooDeeply(ScriptEngine* engine) {
@@ -216,21 +290,13 @@ inline bool runLine(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) 
 }  // namespace
 
 bool scriptEngineRunBlock(ScriptEngine* engine, ScriptBlock* block) {
-    const char here = 0;
+    char here;
     if (&here <= engine->stackFloor) return nestedTooDeeply(engine);
-    const bool watched = logWanted(kLogTrace) || engine->requireSignature;
     block->lastResult = 1;
-    bool good = true;
-    for (ScriptLine* line : block->shape->lines) {
-        good = watched ? runLineWatched(engine, block, line) : runLine(engine, block, line);
-        if (!good || engine->pending != 0) break;
-    }
+    const bool good =
+        runsAsChain(engine, block) ? runChain(engine, block) : runLines(engine, block);
     if (!scriptTemporaries.empty()) scriptTemporariesFlush();
     return good;
-}
-
-void stackPop(ScriptEngine* engine) {
-    scriptBlockRetire(engine->stack.pop());
 }
 
 void stackMeasure(ScriptEngine* engine) {
@@ -252,21 +318,6 @@ StackRun scriptEngineRunStack(ScriptEngine* engine, bool allowSingle) {
         result = block->lastResult != 0 ? StackRun::Done : StackRun::Negative;
     stackPop(engine);
     return result;
-}
-
-ScriptBlock* blockPush(ScriptEngine* engine, ScriptBlock* blockTemplate, ScriptBlock* parent,
-                       PushFailure* failure) {
-    ScriptBlock* block = scriptBlockInstantiate(blockTemplate, parent);
-    if (block == nullptr) {
-        *failure = PushFailure::NoInstance;
-        return nullptr;
-    }
-    if (!engine->stack.push(block)) {
-        scriptBlockRetire(block);
-        *failure = PushFailure::NoStack;
-        return nullptr;
-    }
-    return block;
 }
 
 const ScriptFunction* scriptEngineFindUserFunction(const ScriptEngine* engine,

@@ -15,7 +15,9 @@ enum class StackRun { Failed = 0, Done = 1, Negative = 2 };
 StackRun scriptEngineRunStack(ScriptEngine* engine, bool allowSingle);
 
 // Takes the innermost instance off the stack and ends it.
-void stackPop(ScriptEngine* engine);
+inline void stackPop(ScriptEngine* engine) {
+    scriptBlockRetire(engine->stack.pop());
+}
 
 // Before a run: finds out how deep the calling thread's stack lets it go.
 void stackMeasure(ScriptEngine* engine);
@@ -29,8 +31,16 @@ inline ScriptBlock* blockTemplate(const ScriptEngine* engine, int blockNumber) {
 // Puts an activation of the block, inside `parent`, on the stack. Null when
 // memory runs out: `*failure` tells where.
 enum class PushFailure { NoInstance, NoStack };
-ScriptBlock* blockPush(ScriptEngine* engine, ScriptBlock* blockTemplate, ScriptBlock* parent,
-                       PushFailure* failure);
+inline ScriptBlock* blockPush(ScriptEngine* engine, ScriptBlock* body, ScriptBlock* parent,
+                              PushFailure* failure) {
+    ScriptBlock* block = scriptBlockInstantiate(body, parent);
+    *failure = PushFailure::NoInstance;
+    if (block == nullptr || engine->stack.push(block)) [[likely]]
+        return block;
+    scriptBlockRetire(block);
+    *failure = PushFailure::NoStack;
+    return nullptr;
+}
 
 // Runs a function from outside with texts, in literal form, as arguments.
 bool scriptEngineExecuteFunction(ScriptEngine* engine, const ScriptFunction* function,

@@ -26,35 +26,36 @@ ScriptObject* parameter(ScriptBlock* instance, const BlockShape::Slot& slot, uin
     return instance->locals[slot.index];
 }
 
-// Gives a parameter that has no object yet a number. False when memory runs out.
-bool makeNumber(ScriptBlock* instance, uint32_t slot, uint32_t id, double number) {
+// Gives a parameter that has no object yet a number. False when it has one, and when
+// memory runs out.
+inline bool makeNumber(ScriptBlock* instance, const BlockShape::Slot& slot, uint32_t id,
+                       double number) {
+    if (slot.isLiteral || instance->locals[slot.index] != nullptr) return false;
     ScriptObject* object = scriptObjectCreateNumber(number);
     if (object == nullptr) return false;
     object->nameId = id;
-    instance->locals[slot] = object;
+    instance->locals[slot.index] = object;
     instance->isDirty = 1;
     return true;
 }
 
-// Gives the parameter the argument's value. `kDone`, or the status of the call.
-int passArgument(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg, ScriptBlock* instance,
-                 uint32_t position) {
+// Gives the parameter a value that is more than a number for a new variable.
+int passOther(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg, ScriptBlock* instance,
+              uint32_t position) {
     ScriptBlock* where = nullptr;
     ScriptObject* value = scriptBlockSearchPlace(block, arg, &where);
     if (value == nullptr) return invalidArgument(engine, position);
     Owned<ScriptObject> made;
-    EvalResult result;
-    bool isNumber = value->type == kTypeNumber;
-    if (isNumber) {
-        result.number = value->number;
-    } else if (value->type == kTypeExpr) {
+    if (value->type == kTypeExpr) {
+        EvalResult result;
         if (!scriptEngineRunExpression(engine, where, value->expression, kWantValue, &result))
             return invalidArgument(engine, position);
-        isNumber = result.object == nullptr;
-        made.reset(result.object);
+        made.reset(result.object != nullptr ? result.object
+                                            : scriptObjectCreateNumber(result.number));
         value = made.get();
         // A parameter made from a pointer will refer to that very object.
-        if (!isNumber && value->type == kTypePointer && !scriptTemporariesAdd(made.release()))
+        if (value != nullptr && value->type == kTypePointer &&
+            !scriptTemporariesAdd(made.release()))
             return invalidArgument(engine, position);
     }
     const BlockShape* shape = instance->shape;
@@ -63,16 +64,8 @@ int passArgument(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg, Scrip
         logLocation(engine->logger, kLogError);
         return kError;
     }
-    const BlockShape::Slot slot = shape->paramSlots[position - 1];
-    const uint32_t id = shape->paramIds[position - 1];
-    if (isNumber && !slot.isLiteral && instance->locals[slot.index] == nullptr &&
-        makeNumber(instance, slot.index, id, result.number))
-        return kDone;
-    if (value == nullptr) {
-        made.reset(scriptObjectCreateNumber(result.number));
-        value = made.get();
-    }
-    ScriptObject* target = parameter(instance, slot, id);
+    ScriptObject* target =
+        parameter(instance, shape->paramSlots[position - 1], shape->paramIds[position - 1]);
     if (target == nullptr) {
         logError(engine->logger, "scriptEngineCall: #::11");
         return kInvalidCall;
@@ -83,10 +76,19 @@ int passArgument(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg, Scrip
     return kError;
 }
 
-int passArguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
-                  ScriptBlock* instance) {
+// Gives the parameters the arguments' values. `kDone`, or the status of the call.
+inline int passArguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
+                         ScriptBlock* instance) {
+    const BlockShape* shape = instance->shape;
     for (uint32_t position = 1; position < args->count; ++position) {
-        const int status = passArgument(engine, block, &args->items[position], instance, position);
+        ScriptArg* arg = &args->items[position];
+        const ScriptObject* value = scriptBlockSearchPlace(block, arg, nullptr);
+        const bool isNumber = value != nullptr && value->type == kTypeNumber;
+        if (isNumber && position <= shape->paramSlots.size() &&
+            makeNumber(instance, shape->paramSlots[position - 1], shape->paramIds[position - 1],
+                       value->number))
+            continue;
+        const int status = passOther(engine, block, arg, instance, position);
         if (status != kDone) return status;
     }
     return kDone;
@@ -117,14 +119,15 @@ int scriptEngineCall(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
         scriptBlockRetire(instance);
         return status;
     }
-    const StackRun run = scriptEngineRunStack(engine, true);
-    if (run == StackRun::Failed) {
+    const bool good = scriptEngineRunBlock(engine, instance);
+    const bool positive = instance->lastResult != 0;
+    stackPop(engine);
+    if (!good) {
         logError(engine->logger, "scriptEngineCall: Failed to execute script block %u",
                  static_cast<uint32_t>(blockNumber));
         return kError;
     }
-    if ((engine->pending & kReturnPending) == 0)
-        return run == StackRun::Negative ? kNegative : kDone;
+    if ((engine->pending & kReturnPending) == 0) return positive ? kDone : kNegative;
     engine->pending &= static_cast<uint8_t>(~kReturnPending);
     return engine->returnValue ? kDone : kNegative;
 }

@@ -69,26 +69,32 @@ inline int runBody(ScriptEngine* engine, ScriptBlock* block, const char* name, S
 // The truth of a branch's condition. False when the argument cannot be fetched.
 inline bool branchCondition(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
                             ScriptTruth* truth) {
-    ScriptExpression* expression = scriptArgumentProgram(block, args);
-    if (expression == nullptr) return otherCondition(engine, block, args, truth);
-    if (scriptEngineRunTruth(engine, block, expression, truth)) return true;
+    const ExprStep* steps = scriptArgumentSteps(block, args);
+    if (steps == nullptr) return otherCondition(engine, block, args, truth);
+    if (scriptEngineRunTruth(engine, block, steps, truth)) return true;
     logError(engine->logger, "Parameter %u is not (properly) defined", 1u);
     return false;
 }
 
-// What `if` does, and `elseif` when no branch before it was taken.
-inline int branch(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int blockNumber,
-                  const char* name) {
-    ScriptBlock* body = findBody(engine, name, blockNumber);
-    if (body == nullptr) return kInvalidCall;
-    ScriptTruth truth;
-    if (!branchCondition(engine, block, args, &truth)) return kError;
+// What a branch does whose condition has been asked.
+int takeBranch(ScriptEngine* engine, ScriptBlock* block, ScriptTruth truth, ScriptBlock* body,
+               int blockNumber, const char* name) {
     block->lastCondition = static_cast<uint8_t>(truth);
     if (truth == kTrue) return runBody(engine, block, name, body, blockNumber);
     if (truth == kFalse) return kDone;
     logError(engine->logger, "%s: Unable to determine boolean result of condition", name);
     logLocation(engine->logger, kLogError);
     return kError;
+}
+
+// What `if` does, and `elseif` when no branch before it was taken.
+int branch(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int blockNumber,
+           const char* name) {
+    ScriptBlock* body = findBody(engine, name, blockNumber);
+    if (body == nullptr) return kInvalidCall;
+    ScriptTruth truth;
+    if (!branchCondition(engine, block, args, &truth)) return kError;
+    return takeBranch(engine, block, truth, body, blockNumber, name);
 }
 
 bool hasPreviousIf(ScriptEngine* engine, ScriptBlock* block, const char* name) {
@@ -98,76 +104,88 @@ bool hasPreviousIf(ScriptEngine* engine, ScriptBlock* block, const char* name) {
     return false;
 }
 
-// An argument that a loop asks for again and again: where it stands is looked
-// up once, its value each time.
+// An argument that a loop of `block` asks for again and again: where it stands is
+// looked up once, its value each time.
 class LoopArgument {
   public:
     LoopArgument(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, uint32_t index)
-        : engine_(engine), block_(block), arg_(&args->items[index]) {
-        object_ = scriptBlockSearchPlace(block, arg_, nullptr);
+        : arg_(&args->items[index]), object_(scriptBlockSearchPlace(block, arg_, nullptr)) {
         if (object_ == nullptr) logError(engine->logger, "Invalid first parameter");
     }
     bool present() const { return object_ != nullptr; }
-    ScriptTruth truth() const {
-        if (object_->type != kTypeExpr) {
-            // Looked up anew: what was the template's may have become the block's own.
-            const ScriptObject* object = scriptBlockSearchPlace(block_, arg_, nullptr);
-            if (object != nullptr && object->type == kTypeNumber)
-                return object->number == 0 ? kFalse : kTrue;
-            return scriptObjectGetBool(engine_, object, block_);
-        }
+    ScriptTruth truth(ScriptEngine* engine, ScriptBlock* block) {
+        if (!isQuick(block)) return otherTruth(engine, block);
         ScriptTruth truth;
-        return scriptEngineRunTruth(engine_, block_, object_->expression, &truth) ? truth
-                                                                                  : kNoTruth;
+        return scriptEngineRunTruth(engine, block, steps_, &truth) ? truth : kNoTruth;
     }
-    void run() const {
-        if (object_->type == kTypeExpr)
-            scriptEngineRunQuietly(engine_, block_, object_->expression);
+    void run(ScriptEngine* engine, ScriptBlock* block) {
+        if (isQuick(block))
+            scriptEngineRunQuietly(engine, block, steps_);
+        else if (object_->type == kTypeExpr)
+            runProgram(engine, block, kWantNothing);
     }
 
   private:
-    ScriptEngine* engine_;
-    ScriptBlock* block_;
+    bool isQuick(const ScriptBlock* block) const {
+        return steps_ != nullptr && block->ownLiterals == nullptr;
+    }
+    [[gnu::noinline]] ScriptTruth otherTruth(ScriptEngine* engine, ScriptBlock* block) {
+        if (object_->type == kTypeExpr) return runProgram(engine, block, kWantTruth);
+        // Looked up anew: what was the template's may have become the block's own.
+        const ScriptObject* object = scriptBlockSearchPlace(block, arg_, nullptr);
+        if (object != nullptr && object->type == kTypeNumber)
+            return object->number == 0 ? kFalse : kTrue;
+        return scriptObjectGetBool(engine, object, block);
+    }
+    // Runs the expression as it comes; after its first run it may be a quick one.
+    [[gnu::noinline]] ScriptTruth runProgram(ScriptEngine* engine, ScriptBlock* block,
+                                             EvalWant want) {
+        EvalResult result;
+        const bool good =
+            scriptEngineRunExpression(engine, block, object_->expression, want, &result);
+        if (object_->isShared()) steps_ = scriptQuickSteps(object_->expression);
+        return good ? static_cast<ScriptTruth>(static_cast<int>(result.number)) : kNoTruth;
+    }
+
     ScriptArg* arg_;
     ScriptObject* object_;
+    const ExprStep* steps_ = nullptr;
 };
 
-// What the end of a round means for the loop.
-enum class RoundEnd { GoOn, Leave };
-
-RoundEnd endOfRound(ScriptEngine* engine) {
-    if (engine->pending == 0) return RoundEnd::GoOn;
+// Whether a loop goes on after what is on its way out of the round.
+bool goesOn(ScriptEngine* engine) {
     engine->pending &= static_cast<uint8_t>(~kContinuePending);
     const bool leave = engine->pending != 0;
     // A `return` and an `exit` go on to where they end.
     engine->pending &= static_cast<uint8_t>(~kBreakPending);
-    return leave ? RoundEnd::Leave : RoundEnd::GoOn;
+    return !leave;
 }
 
 // The rounds of a loop; `step` may be null. One instance serves for all of them.
 int rounds(ScriptEngine* engine, ScriptBlock* block, int blockNumber, const char* name,
-           const LoopArgument& condition, const LoopArgument* step) {
+           LoopArgument condition, LoopArgument* step) {
     int status = kDone;
-    ScriptBlock* shape = blockTemplate(engine, blockNumber);
     ScriptBlock* body = nullptr;
     for (;;) {
-        const ScriptTruth truth = condition.truth();
-        if (truth == kFalse) break;
-        if (truth == kNoTruth) {
+        const ScriptTruth truth = condition.truth(engine, block);
+        if (truth != kTrue) {
+            if (truth == kFalse) break;
             logError(engine->logger, "%s: Unable to determine boolean result of condition", name);
             status = kError;
             break;
         }
-        if (body == nullptr) body = pushBody(engine, block, name, shape, blockNumber);
-        if (body == nullptr) return kInvalidCall;
+        if (body == nullptr) [[unlikely]] {
+            body = pushBody(engine, block, name, blockTemplate(engine, blockNumber), blockNumber);
+            if (body == nullptr) return kInvalidCall;
+        }
         if (!scriptEngineRunBlock(engine, body)) {
             status = failedBody(engine, name, blockNumber);
             break;
         }
-        if (endOfRound(engine) == RoundEnd::Leave) break;
+        if (engine->pending != 0 && !goesOn(engine)) break;
         // What the round declared is gone before the step and the condition look.
         scriptBlockRenew(body);
-        if (step != nullptr) step->run();
+        if (step != nullptr) step->run(engine, block);
     }
     if (body != nullptr) stackPop(engine);
     return status;
@@ -187,6 +205,13 @@ int scriptEngineReturn(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* arg
 int scriptEngineIf(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int blockNumber) {
     if (nullArguments(engine, block, args)) return kInvalidCall;
     return branch(engine, block, args, blockNumber, "scriptEngineIf");
+}
+
+int scriptEngineTakeIf(ScriptEngine* engine, ScriptBlock* block, ScriptTruth truth,
+                       int blockNumber) {
+    ScriptBlock* body = findBody(engine, "scriptEngineIf", blockNumber);
+    if (body == nullptr) return kInvalidCall;
+    return takeBranch(engine, block, truth, body, blockNumber, "scriptEngineIf");
 }
 
 int scriptEngineElseif(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
@@ -211,7 +236,7 @@ int scriptEngineWhile(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args
     constexpr char kName[] = "scriptEngineWhile";
     if (nullArguments(engine, block, args)) return kInvalidCall;
     if (findBody(engine, kName, blockNumber) == nullptr) return kInvalidCall;
-    const LoopArgument condition(engine, block, args, 0);
+    LoopArgument condition(engine, block, args, 0);
     if (!condition.present()) return kError;
     return rounds(engine, block, blockNumber, kName, condition, nullptr);
 }
@@ -221,9 +246,9 @@ int scriptEngineFor(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, 
     if (nullArguments(engine, block, args)) return kInvalidCall;
     if (findBody(engine, kName, blockNumber) == nullptr) return kInvalidCall;
     if (scriptEngineGetParam(engine, block, args, 0, kTypeUndef, true) == nullptr) return kError;
-    const LoopArgument condition(engine, block, args, 1);
+    LoopArgument condition(engine, block, args, 1);
     if (!condition.present()) return kError;
-    const LoopArgument step(engine, block, args, 2);
+    LoopArgument step(engine, block, args, 2);
     if (!step.present()) return kError;
     return rounds(engine, block, blockNumber, kName, condition, &step);
 }
@@ -288,20 +313,21 @@ constexpr CommandRow flow(const char* name, CommandHandler handler, uint32_t min
 }
 
 constexpr CommandRow opener(const char* name, CommandHandler handler, uint32_t args,
-                            DirectiveKind kind = kNoDirective) {
+                            DirectiveKind kind = kNoDirective, FlowKind flow = kPlainCommand) {
     return {.name = name,
             .handler = handler,
             .minArgs = args,
             .maxArgs = args,
             .opensBlock = true,
-            .directive = kind};
+            .directive = kind,
+            .flow = flow};
 }
 
 constexpr CommandRow kFlowCommands[] = {
     flow("exit", scriptEngineExit, 0, 1),
     flow("call", scriptEngineCall, 1, kManyArgs, kCallCommand),
     flow("return", scriptEngineReturn, 0, 1),
-    opener("if", scriptEngineIf, 1, kBranchIf),
+    opener("if", scriptEngineIf, 1, kBranchIf, kIfCommand),
     opener("elseif", scriptEngineElseif, 1, kBranchElseif),
     opener("else", scriptEngineElse, 0, kBranchElse),
     opener("while", scriptEngineWhile, 1),

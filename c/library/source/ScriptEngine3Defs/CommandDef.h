@@ -16,7 +16,14 @@ enum CommandScope : uint8_t { kInBlock = 0, kAtFileLevel = 1, kAnywhere = 2 };
 constexpr uint32_t kManyArgs = 100;
 
 // What the run loop must know of a statement beside its handler.
-enum FlowKind : uint8_t { kPlainCommand, kCallCommand, kContinueCommand, kEvalCommand };
+enum FlowKind : uint8_t {
+    kPlainCommand,
+    kCallCommand,
+    kContinueCommand,
+    // Mostly run without their handlers.
+    kEvalCommand,
+    kIfCommand,
+};
 
 // Where a command makes the variables that its arguments name, so that the
 // parser can give them their slots.

@@ -5,27 +5,14 @@
 
 namespace {
 
-constexpr uint32_t kMaxDepthInPlace = 255;
 // A name that more blocks can hold has no list of them: bodies nested by the
 // thousand, each with the name, would need the square of that.
 constexpr size_t kMaxCandidates = 16;
 
 void clearOwnLiterals(ScriptBlock* block) {
-    if (block->ownLiterals == nullptr) return;
     for (size_t slot = 0; slot < block->shape->literals.size(); ++slot)
         scriptObjectDestroy(&block->ownLiterals[slot]);
     memFree(&block->ownLiterals);
-}
-
-void clearVariables(ScriptBlock* block) {
-    if (!block->isDirty) return;
-    block->isDirty = 0;
-    for (uint32_t slot = 0; slot < block->localCapacity; ++slot)
-        if (block->locals[slot] != nullptr) scriptObjectDestroy(&block->locals[slot]);
-    clearOwnLiterals(block);
-    if (block->extras == nullptr) return;
-    block->extras->each([](uint32_t, ScriptObject* object) { scriptObjectDestroy(&object); });
-    memDelete(&block->extras);
 }
 
 void destroyShape(BlockShape* shape) {
@@ -66,20 +53,6 @@ ScriptObject* slotOf(ScriptBlock* block, const BlockShape::Slot& slot) {
     return slot.index < block->localCapacity ? block->locals[slot.index] : nullptr;
 }
 
-ScriptBlock* newInstance(BlockShape* shape) {
-    const size_t bytes = sizeof(ScriptBlock) + shape->localCount * sizeof(ScriptObject*);
-    auto* block = static_cast<ScriptBlock*>(memAlloc(bytes));
-    if (block == nullptr) return nullptr;
-    *block = ScriptBlock{};
-    block->shape = shape;
-    block->locals = reinterpret_cast<ScriptObject**>(block + 1);
-    block->localCapacity = shape->localCount;
-    block->generation = 1;
-    block->isInstance = 1;
-    for (uint32_t slot = 0; slot < shape->localCount; ++slot) block->locals[slot] = nullptr;
-    return block;
-}
-
 // Finds every block of the chain that can hold the place's name, up to the
 // first that does so for certain.
 void workOutPlace(ScriptBlock* block, VarPlace* place) {
@@ -87,7 +60,7 @@ void workOutPlace(ScriptBlock* block, VarPlace* place) {
     const size_t first = shape->candidates.size();
     size_t count = 0;
     uint32_t depth = 0;
-    for (ScriptBlock* at = block; at != nullptr; at = at->outer, ++depth) {
+    for (ScriptBlock* at = block; at != nullptr; at = at->frames[1], ++depth) {
         const BlockShape::Slot* slot = at->shape->slots.find(place->id);
         if (slot == nullptr) continue;
         if (count == kMaxCandidates) {
@@ -102,7 +75,7 @@ void workOutPlace(ScriptBlock* block, VarPlace* place) {
         ++count;
         if (slot->isLiteral) break;
     }
-    if (count == 1 && shape->candidates[first].depth <= kMaxDepthInPlace &&
+    if (count == 1 && shape->candidates[first].depth < kFrames &&
         (shape->candidates[first].depth == 0 || !shape->candidates[first].isLiteral)) {
         const VarCandidate found = shape->candidates[first];
         shape->candidates.truncate(first);
@@ -121,7 +94,7 @@ ScriptObject* searchCandidates(ScriptBlock* block, const VarPlace& place, Script
     ScriptBlock* at = block;
     uint32_t depth = 0;
     for (uint32_t n = 0; n < place.candidateCount; ++n, ++candidate) {
-        for (; depth < candidate->depth; ++depth) at = at->outer;
+        for (; depth < candidate->depth; ++depth) at = at->frames[1];
         ScriptObject* object = slotOf(at, {candidate->slot, candidate->isLiteral});
         if (object == nullptr) continue;
         if (where != nullptr) *where = at;
@@ -141,48 +114,45 @@ ScriptBlock* scriptBlockCreate() {
         memFree(&block);
         return nullptr;
     }
+    block->frames[0] = block;
     block->generation = 1;
     block->lastCondition = kConditionNone;
     return block;
 }
 
+ScriptBlock* scriptBlockNewInstance(BlockShape* shape) {
+    const size_t bytes = sizeof(ScriptBlock) + shape->localCount * sizeof(ScriptObject*);
+    auto* block = static_cast<ScriptBlock*>(memAlloc(bytes));
+    if (block == nullptr) return nullptr;
+    *block = ScriptBlock{};
+    block->shape = shape;
+    block->locals = reinterpret_cast<ScriptObject**>(block + 1);
+    block->localCapacity = shape->localCount;
+    block->frames[0] = block;
+    block->generation = 1;
+    block->isInstance = 1;
+    for (uint32_t slot = 0; slot < shape->localCount; ++slot) block->locals[slot] = nullptr;
+    return block;
+}
+
+void scriptBlockClearVariables(ScriptBlock* block) {
+    block->isDirty = 0;
+    for (uint32_t slot = 0; slot < block->localCapacity; ++slot)
+        if (block->locals[slot] != nullptr) scriptObjectDestroy(&block->locals[slot]);
+    if (block->ownLiterals != nullptr) clearOwnLiterals(block);
+    if (block->extras == nullptr) return;
+    block->extras->each([](uint32_t, ScriptObject* object) { scriptObjectDestroy(&object); });
+    memDelete(&block->extras);
+}
+
 void scriptBlockDestroy(ScriptBlock** block) {
     if (block == nullptr || *block == nullptr) return;
-    clearVariables(*block);
+    if ((*block)->isDirty) scriptBlockClearVariables(*block);
     if (!(*block)->isInstance) {
         memFree(&(*block)->locals);
         destroyShape((*block)->shape);
     }
     memFree(block);
-}
-
-ScriptBlock* scriptBlockInstantiate(ScriptBlock* blockTemplate, ScriptBlock* parent) {
-    BlockShape* shape = blockTemplate->shape;
-    ScriptBlock* block = shape->spares;
-    if (block != nullptr)
-        shape->spares = block->nextSpare;
-    else if ((block = newInstance(shape)) == nullptr)
-        return nullptr;
-    block->parent = parent;
-    // Most bodies declare nothing: a search passes them over, however many
-    // stand one inside the other.
-    const bool holdsNames = parent == nullptr || parent->shape->localCount > 0;
-    block->outer = holdsNames || parent->outer == nullptr ? parent : parent->outer;
-    block->lastCondition = blockTemplate->lastCondition;
-    return block;
-}
-
-void scriptBlockRetire(ScriptBlock* instance) {
-    clearVariables(instance);
-    ++instance->generation;
-    instance->nextSpare = instance->shape->spares;
-    instance->shape->spares = instance;
-}
-
-void scriptBlockRenew(ScriptBlock* instance) {
-    clearVariables(instance);
-    ++instance->generation;
-    instance->lastCondition = kConditionNone;
 }
 
 bool scriptBlockMakeReady(ScriptBlock* globalBlock) {

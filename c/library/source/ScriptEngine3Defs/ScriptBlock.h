@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "ScriptEngine3Defs/IdMap.h"
+#include "ScriptEngine3Defs/ScriptExpression.h"
 #include "ScriptEngine3Defs/ScriptObject.h"
 #include "ScriptEngine3Defs/VarPlace.h"
 #include "containers/GrowArray.h"
@@ -30,7 +31,13 @@ struct BlockShape {
     GrowArray<BlockShape::Slot> paramSlots;
     GrowArray<VarCandidate> candidates;
     ScriptBlock* spares = nullptr;  // instances that wait to be used again
+    GrowArray<ExprStep> chain;      // the statements in one piece, once they run again; or empty
+    bool hasRun = false;
 };
+
+// Blocks that an instance knows on its way out: itself, and the nearest ones that
+// can hold names.
+constexpr uint32_t kFrames = 4;
 
 // A body as parsed (the template), or one activation of it (an instance), and
 // thus the unit of scope. An instance costs no copies: it sees the template's
@@ -41,7 +48,9 @@ struct ScriptBlock {
     ScriptObject** ownLiterals;    // by slot, null where the template's still serves; or null
     IdMap<ScriptObject*>* extras;  // variables without a slot, or null
     ScriptBlock* parent;           // enclosing scope, not owned
-    ScriptBlock* outer;            // of an instance: the nearest one that can hold names
+    // Of an instance: itself, the next block out that can hold names, the next one
+    // behind that, ...; null behind the last.
+    ScriptBlock* frames[kFrames];
     ScriptBlock* nextSpare;
     uint32_t generation;  // raised when the instance ends: references into it are dead
     uint32_t localCapacity;
@@ -59,11 +68,11 @@ ScriptBlock* scriptBlockCreate();
 void scriptBlockDestroy(ScriptBlock** block);
 
 // An activation of the template with `parent` as its enclosing scope; null when memory runs out.
-ScriptBlock* scriptBlockInstantiate(ScriptBlock* blockTemplate, ScriptBlock* parent);
+inline ScriptBlock* scriptBlockInstantiate(ScriptBlock* blockTemplate, ScriptBlock* parent);
 // Ends an activation: its variables go, and it waits to be used again.
-void scriptBlockRetire(ScriptBlock* instance);
+inline void scriptBlockRetire(ScriptBlock* instance);
 // Ends an activation and begins the next in its place, with the same parent.
-void scriptBlockRenew(ScriptBlock* instance);
+inline void scriptBlockRenew(ScriptBlock* instance);
 // Before the first run, once all names are known: gives the global block, which
 // is run as it is, the slots of all of them.
 bool scriptBlockMakeReady(ScriptBlock* globalBlock);
@@ -95,7 +104,7 @@ ScriptObject* scriptBlockSearchPlaceSlow(ScriptBlock* block, VarPlace* place, Sc
 inline ScriptObject* scriptBlockSearchPlace(ScriptBlock* block, VarPlace* place,
                                             ScriptBlock** where) {
     if (place->kind == kPlaceLocal) {
-        for (uint32_t depth = place->depth; depth != 0; --depth) block = block->outer;
+        block = block->frames[place->depth];
         if (where != nullptr) *where = block;
         return block->locals[place->slot];
     }
@@ -104,6 +113,42 @@ inline ScriptObject* scriptBlockSearchPlace(ScriptBlock* block, VarPlace* place,
         return block->shape->literals[place->slot];
     }
     return scriptBlockSearchPlaceSlow(block, place, where);
+}
+
+// What stands behind the inline functions; not for others.
+ScriptBlock* scriptBlockNewInstance(BlockShape* shape);
+void scriptBlockClearVariables(ScriptBlock* block);
+
+inline ScriptBlock* scriptBlockInstantiate(ScriptBlock* blockTemplate, ScriptBlock* parent) {
+    BlockShape* shape = blockTemplate->shape;
+    ScriptBlock* block = shape->spares;
+    if (block != nullptr) [[likely]]
+        shape->spares = block->nextSpare;
+    else if ((block = scriptBlockNewInstance(shape)) == nullptr)
+        return nullptr;
+    block->parent = parent;
+    block->lastCondition = blockTemplate->lastCondition;
+    if (parent == nullptr) return block;
+    // Most bodies declare nothing: a search passes them over, however many
+    // stand one inside the other.
+    const bool holdsNames = parent->shape->localCount > 0 || parent->frames[1] == nullptr;
+    ScriptBlock* outer = holdsNames ? parent : parent->frames[1];
+    block->frames[1] = outer;
+    for (uint32_t at = 2; at < kFrames; ++at) block->frames[at] = outer->frames[at - 1];
+    return block;
+}
+
+inline void scriptBlockRetire(ScriptBlock* instance) {
+    if (instance->isDirty) scriptBlockClearVariables(instance);
+    ++instance->generation;
+    instance->nextSpare = instance->shape->spares;
+    instance->shape->spares = instance;
+}
+
+inline void scriptBlockRenew(ScriptBlock* instance) {
+    if (instance->isDirty) scriptBlockClearVariables(instance);
+    ++instance->generation;
+    instance->lastCondition = kConditionNone;
 }
 
 // The instance's own copy of an object that it shares with its template; the

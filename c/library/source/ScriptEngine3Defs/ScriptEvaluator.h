@@ -30,16 +30,3 @@ ScriptObject* scriptEvaluateToObject(ScriptEngine* engine, ScriptBlock* block,
 // The truth of the result; `kNoTruth` on failure too.
 ScriptTruth scriptEvaluateTruth(ScriptEngine* engine, ScriptBlock* block,
                                 ScriptExpression* expression);
-
-// The program of a statement's first argument where that is an expression of the
-// running block, as it stands in the template; null when it is anything else, or
-// takes a longer look.
-inline ScriptExpression* scriptArgumentProgram(const ScriptBlock* block, ScriptArgs* args) {
-    if (block->ownLiterals != nullptr) return nullptr;
-    if (args->program != nullptr) return args->program;
-    const ScriptArg& arg = args->items[0];
-    if (arg.kind != kPlaceLiteral) return nullptr;
-    const ScriptObject* object = block->shape->literals[arg.slot];
-    if (object->type == kTypeExpr && object->isShared()) args->program = object->expression;
-    return args->program;
-}

@@ -44,7 +44,22 @@ enum ExprStepKind : uint8_t {
     kStepClone,    // the whole program is one variable: a copy of it
     kStepInvalid,  // the program cannot go on
     kStepEnd,      // behind the last one
+
+    // Of chains alone.
+    kStepDrop,     // ends the value that a statement leaves
+    kStepCheck,    // ends a condition: false skips the step behind it
+    kStepBody,     // the statement's body is to be run
+    kStepSucceed,  // a statement has succeeded: sets the result variables
+    kStepLine,     // a statement that is run by its handler
 };
+
+// Where a step stands in its program.
+enum StepEnd : uint8_t {
+    kMidway,
+    kAtEnd,
+    kInChain,  // at the end, in a chain: leaves nothing, or decides what is next
+};
+constexpr size_t kStepEnds = 3;
 
 struct EvalValue;
 struct ExprStep;
@@ -55,12 +70,22 @@ struct StepStop {
     EvalValue* top;
 };
 
+// How far a program has come.
+enum StepOutcome : uint8_t {
+    kStepStopped,  // to a step that is for the evaluator
+    kStepsEnded,   // to its end: the result is at the bottom of the stack
+    // To its end with a truth, which a condition need not fetch from the stack: nothing
+    // is left there. ORDER truth
+    kStepsEndedFalse,
+    kStepsEndedTrue,
+};
+
 // Does a step in the short way that was made for its operation and operands, on
-// the values below `top`, and goes on with the steps behind it. True when the
-// program has come to its end; false when the values at a step are not of the
-// kind that it was made for: nothing of that step is done, and `stop` tells it.
-using StepRunner = bool (*)(const ExprStep* step, ScriptBlock* block, EvalValue* top,
-                            StepStop* stop);
+// the values below `top`, and goes on with the steps behind it. Where the values at a
+// step are not of the kind that it was made for, nothing of that step is done, and
+// `stop` tells it.
+using StepRunner = StepOutcome (*)(const ExprStep* step, ScriptBlock* block, EvalValue* top,
+                                   StepStop* stop);
 
 // One step of the ready form of a program: an operation with its operands
 // named where they can be, or a push. The steps do what the tokens say in the
@@ -68,11 +93,15 @@ using StepRunner = bool (*)(const ExprStep* step, ScriptBlock* block, EvalValue*
 struct ExprStep {
     ExprStepKind kind;
     uint8_t op;
-    bool isLast;
+    StepEnd end;
     uint8_t taken;  // operands that come from the stack
+    uint32_t line;  // in a chain: the statement's place in its block
     StepRunner run;
     ExprOperand left;
-    ExprOperand right;
+    union {
+        ExprOperand right;
+        ScriptEngine* engine;  // of `kStepSucceed`
+    };
 };
 
 // A compiled expression in postfix order. The tokens never change; the steps

@@ -6,7 +6,7 @@
 #include "ScriptEngine3Defs/VarPlace.h"
 #include "containers/Owned.h"
 
-struct ScriptExpression;
+struct ExprStep;
 
 // One argument of a statement: a variable id with its place.
 using ScriptArg = VarPlace;
@@ -16,9 +16,9 @@ using ScriptArg = VarPlace;
 struct ScriptArgs {
     ScriptArg* items;
     uint32_t count;
-    // The program of the first one, once it has been found to be an expression of
+    // The steps of the first one, once it has been found to be a short expression of
     // the statement's own block that nobody can change; null otherwise.
-    ScriptExpression* program;
+    const ExprStep* steps;
 };
 
 // One statement.

@@ -14,8 +14,8 @@ struct VarCandidate {
 enum VarPlaceKind : uint8_t {
     kPlaceUnknown,  // not worked out yet
     kPlaceLiteral,  // a literal, or an expression, of the block itself
-    kPlaceLocal,    // one block only can hold the name
-    kPlaceMany,     // several can: the nearest that does counts
+    kPlaceLocal,    // one block only can hold the name, and it is near
+    kPlaceMany,     // several can, or one far out: the nearest that does counts
     kPlaceNowhere,  // no block has a slot for the name, or too many: each is asked
 };
 

@@ -31,19 +31,35 @@ inline void drop(const EvalValue& value) {
 // The variable of an operand with a slot; null where it is not declared yet.
 [[gnu::always_inline]] inline ScriptObject* objectInSlot(const ExprOperand& operand,
                                                          ScriptBlock* block) {
-    for (uint32_t depth = operand.place.depth; depth != 0; --depth) block = block->outer;
-    return block->locals[operand.place.slot];
+    return block->frames[operand.place.depth]->locals[operand.place.slot];
 }
 
-// The two ends of a `StepRunner`. Each is its last call, so that a program runs
+// The ends of a `StepRunner`. Each is its last call, so that a program runs
 // from function to function without coming back.
-[[gnu::always_inline]] inline bool runNext(const ExprStep* step, ScriptBlock* block, EvalValue* top,
-                                           StepStop* stop) {
+[[gnu::always_inline]] inline StepOutcome runNext(const ExprStep* step, ScriptBlock* block,
+                                                  EvalValue* top, StepStop* stop) {
     return step[1].run(step + 1, block, top, stop);
 }
 
-[[gnu::always_inline]] inline bool leaveStep(const ExprStep* step, EvalValue* top, StepStop* stop) {
+[[gnu::always_inline]] inline StepOutcome leaveStep(const ExprStep* step, EvalValue* top,
+                                                    StepStop* stop) {
     stop->step = step;
     stop->top = top;
-    return false;
+    return kStepStopped;
+}
+
+// The end of a condition in a chain: when it is false the step behind is passed over.
+[[gnu::always_inline]] inline StepOutcome runBranch(bool truth, const ExprStep* step,
+                                                    ScriptBlock* block, EvalValue* top,
+                                                    StepStop* stop) {
+    if (truth) return runNext(step, block, top, stop);
+    block->lastCondition = kConditionFalse;
+    return step[2].run(step + 2, block, top, stop);
+}
+
+// Whether the steps came to the end of their program; its result is at the bottom
+// of the stack then, whatever it is.
+inline bool stepsEnded(StepOutcome outcome, EvalValue* stack) {
+    if (outcome >= kStepsEndedFalse) *stack = valueOfNumber(outcome == kStepsEndedTrue);
+    return outcome != kStepStopped;
 }

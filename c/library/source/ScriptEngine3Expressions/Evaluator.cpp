@@ -183,7 +183,7 @@ bool Evaluation::ofStrings(const ExprStep& step, EvalValue& left, const EvalValu
         return false;
     }
     if (assigns) {
-        if (copyOf(left.object, step.isLast, result)) return true;
+        if (copyOf(left.object, step.end != kMidway, result)) return true;
         stringSetLength(&left.object->string, before);
         return false;
     }
@@ -219,7 +219,7 @@ bool Evaluation::assignAny(const ExprStep& step, EvalValue& left, EvalValue& rig
     if (!taken &&
         (!toObject(right) || !own(left) || !scriptObjectAssign(engine_, left.object, right.object)))
         fail("evaluateAssign: Failed to assign");
-    else if (copyOf(left.object, step.isLast, result))
+    else if (copyOf(left.object, step.end != kMidway, result))
         return true;
     return fail("scriptEngineEvaluate: Failed to evaluate expression");
 }
@@ -295,7 +295,7 @@ bool Evaluation::run(const ExprStep* step, EvalValue* stack, EvalValue* top) {
         ++step;
         if (block_->ownLiterals != nullptr) continue;
         StepStop stop;
-        if (step->run(step, block_, top, &stop)) return true;
+        if (stepsEnded(step->run(step, block_, top, &stop), stack)) return true;
         step = stop.step;
         top = stop.top;
     }
@@ -336,7 +336,7 @@ bool handOver(ScriptEngine* engine, ScriptBlock* block, EvalWant want, const Eva
                                             EvalValue* stack, EvalResult* result) {
     const ExprStep* step = expression->steps.begin();
     StepStop stop{step, stack};
-    if (block->ownLiterals != nullptr || !step->run(step, block, stack, &stop))
+    if (block->ownLiterals != nullptr || !stepsEnded(step->run(step, block, stack, &stop), stack))
         return scriptEngineGoOn(engine, block, want, stack, &stop, result);
     if (stack[0].object != nullptr)
         return scriptEngineGoOn(engine, block, want, stack, nullptr, result);
@@ -363,6 +363,21 @@ bool scriptEngineGoOn(ScriptEngine* engine, ScriptBlock* block, EvalWant want, E
     if (stop != nullptr && !Evaluation(engine, block, want).run(stop->step, stack, stop->top))
         return false;
     return handOver(engine, block, want, stack[0], result);
+}
+
+bool scriptEngineFindTruth(ScriptEngine* engine, ScriptBlock* block, EvalValue* stack,
+                           const StepStop* stop, ScriptTruth* truth) {
+    EvalResult result;
+    const bool good = scriptEngineGoOn(engine, block, kWantTruth, stack, stop, &result);
+    *truth = static_cast<ScriptTruth>(static_cast<int>(result.number));
+    return good;
+}
+
+ScriptExpression* scriptArgumentProgram(const ScriptBlock* block, const ScriptArgs* args) {
+    const ScriptArg& arg = args->items[0];
+    if (arg.kind != kPlaceLiteral || block->ownLiterals != nullptr) return nullptr;
+    const ScriptObject* object = block->shape->literals[arg.slot];
+    return object->type == kTypeExpr && object->isShared() ? object->expression : nullptr;
 }
 
 bool scriptEngineRunExpression(ScriptEngine* engine, ScriptBlock* block,

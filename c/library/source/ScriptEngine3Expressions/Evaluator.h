@@ -19,50 +19,59 @@ bool scriptEngineRunExpression(ScriptEngine* engine, ScriptBlock* block,
 bool scriptEngineGoOn(ScriptEngine* engine, ScriptBlock* block, EvalWant want, EvalValue* stack,
                       const StepStop* stop, EvalResult* result);
 
-// The most values that the two below keep: they stand in the frames of statements,
+// The most values that a quick run keeps: they stand in the frames of statements,
 // and so on the stack once for each level of nesting.
 constexpr uint32_t kQuickDepth = 4;
 
-// Whether a program can begin on so small a stack.
-inline bool scriptIsQuick(const ScriptBlock* block, const ScriptExpression* expression) {
-    return expression->stackDepth - 1 < kQuickDepth && block->ownLiterals == nullptr;
+// The steps of an expression of a template; null before its first run, and when it
+// needs more values than a quick run keeps.
+inline const ExprStep* scriptQuickSteps(const ScriptExpression* expression) {
+    return expression->stackDepth - 1 < kQuickDepth ? expression->steps.begin() : nullptr;
 }
 
-// The same as `scriptEngineRunExpression` for what only the truth is wanted of, and
-// for what nothing is.
-inline bool scriptEngineRunTruth(ScriptEngine* engine, ScriptBlock* block,
-                                 ScriptExpression* expression, ScriptTruth* truth) {
-    EvalResult result;
-    bool good;
-    if (scriptIsQuick(block, expression)) [[likely]] {
-        EvalValue stack[kQuickDepth];
-        StepStop stop;
-        const ExprStep* step = expression->steps.begin();
-        const bool ended = step->run(step, block, stack, &stop);
-        if (ended && stack[0].object == nullptr) [[likely]] {
-            *truth = stack[0].number == 0 ? kFalse : kTrue;
-            return true;
-        }
-        good = scriptEngineGoOn(engine, block, kWantTruth, stack, ended ? nullptr : &stop, &result);
-    } else {
-        good = scriptEngineRunExpression(engine, block, expression, kWantTruth, &result);
+// The program of a statement's first argument where that is an expression of the
+// running block, as it stands in the template; null when it is anything else, or
+// takes a longer look.
+ScriptExpression* scriptArgumentProgram(const ScriptBlock* block, const ScriptArgs* args);
+
+// The steps of that program, if they are quick; null otherwise.
+inline const ExprStep* scriptArgumentSteps(const ScriptBlock* block, ScriptArgs* args) {
+    if (block->ownLiterals != nullptr) [[unlikely]]
+        return nullptr;
+    if (args->steps == nullptr) [[unlikely]]
+        if (const ScriptExpression* expression = scriptArgumentProgram(block, args))
+            args->steps = scriptQuickSteps(expression);
+    return args->steps;
+}
+
+// What stands behind `scriptEngineRunTruth` where the steps did not end in a truth.
+bool scriptEngineFindTruth(ScriptEngine* engine, ScriptBlock* block, EvalValue* stack,
+                           const StepStop* stop, ScriptTruth* truth);
+
+// The same as `scriptEngineRunExpression` for quick steps of which only the truth is
+// wanted, and for those of which nothing is. The block has no literals of its own.
+inline bool scriptEngineRunTruth(ScriptEngine* engine, ScriptBlock* block, const ExprStep* steps,
+                                 ScriptTruth* truth) {
+    EvalValue stack[kQuickDepth];
+    StepStop stop;
+    const StepOutcome outcome = steps->run(steps, block, stack, &stop);
+    if (outcome >= kStepsEndedFalse) [[likely]] {
+        *truth = outcome == kStepsEndedTrue ? kTrue : kFalse;
+        return true;
     }
-    *truth = static_cast<ScriptTruth>(static_cast<int>(result.number));
-    return good;
+    return scriptEngineFindTruth(engine, block, stack, outcome == kStepsEnded ? nullptr : &stop,
+                                 truth);
 }
 
 inline bool scriptEngineRunQuietly(ScriptEngine* engine, ScriptBlock* block,
-                                   ScriptExpression* expression) {
-    if (!scriptIsQuick(block, expression)) [[unlikely]] {
-        EvalResult result;
-        return scriptEngineRunExpression(engine, block, expression, kWantNothing, &result);
-    }
+                                   const ExprStep* steps) {
     EvalValue stack[kQuickDepth];
     StepStop stop;
-    const ExprStep* step = expression->steps.begin();
-    const bool ended = step->run(step, block, stack, &stop);
-    if (ended && stack[0].object == nullptr) return true;
-    return scriptEngineGoOn(engine, block, kWantNothing, stack, ended ? nullptr : &stop, nullptr);
+    const StepOutcome outcome = steps->run(steps, block, stack, &stop);
+    if (outcome == kStepStopped) [[unlikely]]
+        return scriptEngineGoOn(engine, block, kWantNothing, stack, &stop, nullptr);
+    if (outcome == kStepsEnded) drop(stack[0]);
+    return true;
 }
 
 // The result as an object that the caller owns, or null, also for null arguments.

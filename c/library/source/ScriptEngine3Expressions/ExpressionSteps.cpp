@@ -5,20 +5,33 @@
 
 namespace {
 
-bool runUnusual(const ExprStep* step, ScriptBlock*, EvalValue* top, StepStop* stop) {
+StepOutcome runUnusual(const ExprStep* step, ScriptBlock*, EvalValue* top, StepStop* stop) {
     return leaveStep(step, top, stop);
 }
 
-bool runEnd(const ExprStep*, ScriptBlock*, EvalValue*, StepStop*) {
-    return true;
+StepOutcome runEnd(const ExprStep*, ScriptBlock*, EvalValue*, StepStop*) {
+    return kStepsEnded;
 }
 
-// The fastest function that there is for the step.
-StepRunner runnerOf(const ExprStep& step) {
+// The fastest function that there is for the step; null without one.
+StepRunner quickRunnerOf(const ExprStep& step, StepEnd end) {
+    const StepRunner onNumbers = scriptNumberRunner(step, end);
+    return onNumbers != nullptr ? onNumbers : scriptTextRunner(step);
+}
+
+StepRunner runnerOf(const ExprStep& step, StepEnd end) {
     if (step.kind == kStepEnd) return runEnd;
-    if (const StepRunner onNumbers = scriptNumberRunner(step)) return onNumbers;
-    const StepRunner onTexts = scriptTextRunner(step);
-    return onTexts != nullptr ? onTexts : runUnusual;
+    const StepRunner quick = quickRunnerOf(step, end);
+    return quick != nullptr ? quick : runUnusual;
+}
+
+bool givesTruth(const ExprStep& step) {
+    return step.kind != kStepAssign && (scriptGivesTruth(step) || step.op == kOpMatch);
+}
+
+bool changesVariable(const ExprStep& step) {
+    return step.kind == kStepAssign ||
+           (step.kind == kStepUnary && (step.op == kOpIncr || step.op == kOpDecr));
 }
 
 ExprOperand literalOperand(ExprOperand operand, ScriptObject* literal) {
@@ -110,8 +123,24 @@ bool scriptExpressionPrepare(ScriptExpression* expression, ScriptBlock* block) {
     GrowArray<ExprStep>& steps = expression->steps;
     steps.fit();
     for (ExprStep& step : steps) {
-        step.isLast = &step + 2 == steps.end();
-        step.run = runnerOf(step);
+        step.end = &step + 2 == steps.end() ? kAtEnd : kMidway;
+        step.run = runnerOf(step, step.end);
     }
     return true;
+}
+
+bool scriptStepEndsInChain(ExprStep* step, bool isCondition) {
+    if (isCondition ? !givesTruth(*step) : !changesVariable(*step)) return false;
+    const StepRunner quick = quickRunnerOf(*step, kInChain);
+    if (quick == nullptr) return false;
+    step->end = kInChain;
+    step->run = quick;
+    return true;
+}
+
+void scriptStepGoesOn(ExprStep* step) {
+    // What it leaves is not the last result any more, but for a variable that was given
+    // a value nobody keeps a copy.
+    if (!changesVariable(*step)) step->end = kMidway;
+    step->run = runnerOf(*step, kMidway);
 }

@@ -69,5 +69,9 @@ inline constexpr uint8_t kPlainOperators[] = {
     }
 }
 
-// The function for a step whose operands may be numbers; null when there is none.
-StepRunner scriptNumberRunner(const ExprStep& step);
+// The function for a step whose operands may be numbers; null when there is none. At
+// the end of a chain's program only truths are decided and only assignments left.
+StepRunner scriptNumberRunner(const ExprStep& step, StepEnd end);
+
+// Whether a step on numbers gives a truth.
+bool scriptGivesTruth(const ExprStep& step);

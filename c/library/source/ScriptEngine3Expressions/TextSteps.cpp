@@ -57,14 +57,15 @@ void dropRight(const ExprStep* step, const EvalValue* top) {
 }
 
 // Puts the step's result in the place of what it took, and goes on.
-bool give(ScriptObject* object, const ExprStep* step, ScriptBlock* block, EvalValue* top,
-          StepStop* stop) {
+StepOutcome give(ScriptObject* object, const ExprStep* step, ScriptBlock* block, EvalValue* top,
+                 StepStop* stop) {
     EvalValue* place = top - step->taken;
+    if (step->end == kInChain) return runNext(step, block, place, stop);
     place->object = object;
     return runNext(step, block, place + 1, stop);
 }
 
-bool runConcat(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepStop* stop) {
+StepOutcome runConcat(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepStop* stop) {
     ScriptObject* left = leftString(step, block, top);
     if (left == nullptr) return leaveStep(step, top, stop);
     char digits[kNumberTextMax];
@@ -83,7 +84,7 @@ bool runConcat(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepSto
 }
 
 // Two texts and their order, or whether one fits the other.
-bool runOrder(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepStop* stop) {
+StepOutcome runOrder(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepStop* stop) {
     const ScriptObject* right = stringOf(step->right, block, top);
     const ScriptObject* left = leftString(step, block, top);
     if (left == nullptr || right == nullptr) return leaveStep(step, top, stop);
@@ -103,6 +104,7 @@ bool runOrder(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepStop
     dropRight(step, top);
     EvalValue* place = top - step->taken;
     if (step->left.from == kFromStack) drop(*place);
+    if (step->end == kInChain) return runBranch(answer, step, block, place, stop);
     *place = valueOfNumber(answer);
     return runNext(step, block, place + 1, stop);
 }
@@ -110,12 +112,12 @@ bool runOrder(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepStop
 // The string that an assignment at the end of a program goes to; null when it is
 // none or may be shared.
 ScriptObject* targetOf(const ExprStep* step, ScriptBlock* block, const EvalValue* top) {
-    ScriptObject* target = step->isLast ? leftString(step, block, top) : nullptr;
+    ScriptObject* target = step->end != kMidway ? leftString(step, block, top) : nullptr;
     return target != nullptr && target->flags == 0 ? target : nullptr;
 }
 
 // `x .= y` and `x += y`.
-bool runAppend(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepStop* stop) {
+StepOutcome runAppend(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepStop* stop) {
     ScriptObject* target = targetOf(step, block, top);
     if (target == nullptr) return leaveStep(step, top, stop);
     char digits[kNumberTextMax];
@@ -127,7 +129,7 @@ bool runAppend(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepSto
     return give(target, step, block, top, stop);
 }
 
-bool runAssign(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepStop* stop) {
+StepOutcome runAssign(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepStop* stop) {
     ScriptObject* target = targetOf(step, block, top);
     ScriptObject* source = stringOf(step->right, block, top);
     if (target == nullptr || source == nullptr) return leaveStep(step, top, stop);
@@ -139,7 +141,7 @@ bool runAssign(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepSto
     return give(target, step, block, top, stop);
 }
 
-bool runPushText(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepStop* stop) {
+StepOutcome runPushText(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepStop* stop) {
     return give(step->right.text, step, block, top, stop);
 }
 
@@ -168,7 +170,8 @@ StepRunner scriptTextRunner(const ExprStep& step) {
     return hasTwo ? kTextRunners.of[step.op] : nullptr;
 }
 
-bool scriptRunTextStep(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepStop* stop) {
+StepOutcome scriptRunTextStep(const ExprStep* step, ScriptBlock* block, EvalValue* top,
+                              StepStop* stop) {
     const StepRunner run = kTextRunners.of[step->op];
     return run == nullptr ? leaveStep(step, top, stop) : run(step, block, top, stop);
 }

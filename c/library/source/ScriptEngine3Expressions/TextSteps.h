@@ -9,7 +9,8 @@
 StepRunner scriptTextRunner(const ExprStep& step);
 
 // Runs a step that may be one on texts, like any `StepRunner`.
-bool scriptRunTextStep(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepStop* stop);
+StepOutcome scriptRunTextStep(const ExprStep* step, ScriptBlock* block, EvalValue* top,
+                              StepStop* stop);
 
 // A new text of two; null when memory runs out.
 ScriptObject* scriptJoinTexts(std::string_view left, std::string_view right);

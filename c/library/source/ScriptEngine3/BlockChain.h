@@ -1,0 +1,9 @@
+#pragma once
+
+#include "ScriptEngine3Defs/ScriptEngineRecord.h"
+
+// Makes the chain of a block, of which `block` is an activation without literals of its
+// own: the steps of all its statements in one piece, so that they run from one to the
+// next. Where a statement is run by its handler, where the body of an `if` is to be run,
+// and at the end, the chain stops. False when memory runs out.
+bool blockChainMake(ScriptEngine* engine, ScriptBlock* block);
