@@ -6,6 +6,10 @@
 
 namespace {
 
+StepOutcome runEnd(const ExprStep*, ScriptBlock*, EvalValue*, StepStop*) {
+    return kStepsEnded;
+}
+
 StepOutcome runStop(const ExprStep* step, ScriptBlock*, EvalValue* top, StepStop* stop) {
     return leaveStep(step, top, stop);
 }
@@ -40,6 +44,14 @@ bool namesResult(const ScriptEngine* engine, const ScriptExpression* expression)
     return false;
 }
 
+// Some steps keep a frame of the native stack until the chain stops: it does so
+// after this many statements.
+constexpr uint32_t kLinesWithoutRest = 64;
+
+// The statements of a block that is longer have no chain: its memory would be
+// worth more than the time.
+constexpr size_t kChainLines = 20000;
+
 // Builds a chain at the end of `steps`.
 class ChainMaker {
   public:
@@ -49,14 +61,17 @@ class ChainMaker {
     bool add(ScriptLine* line, uint32_t number) {
         number_ = number;
         const ScriptExpression* program = quickProgram(line);
-        if (program == nullptr) return mark(kStepLine, runStop);
+        if (program == nullptr)
+            return mark(blockCallIsResolved(block_, line) ? kStepCall : kStepLine, runStop);
         if (!addProgram(*program, line->flow == kIfCommand)) return false;
-        if (line->flow == kIfCommand) return mark(kStepBody, runStop) && succeed(runSucceedIf);
-        return succeed(runSucceedEval);
+        const bool isIf = line->flow == kIfCommand;
+        return (!isIf || mark(kStepBody, runStop)) &&
+               succeed(isIf ? runSucceedIf : runSucceedEval) &&
+               (number % kLinesWithoutRest != 0 || mark(kStepRest, runStop));
     }
     bool end(uint32_t number) {
         number_ = number;
-        return mark(kStepEnd, runStop);
+        return mark(kStepEnd, runEnd);
     }
 
   private:
@@ -107,8 +122,18 @@ class ChainMaker {
 
 }  // namespace
 
+bool blockCallIsResolved(const ScriptBlock* block, const ScriptLine* line) {
+    if (line->flow != kCallCommand || line->block == kNoBlock || block->ownLiterals != nullptr)
+        return false;
+    const ScriptArg& name = line->args.items[0];
+    if (name.kind != kPlaceLiteral) return false;
+    const ScriptObject* literal = block->shape->literals[name.slot];
+    return literal->type == kTypeString && literal->isShared();
+}
+
 bool blockChainMake(ScriptEngine* engine, ScriptBlock* block) {
     BlockShape* shape = block->shape;
+    if (shape->lines.size() > kChainLines) return false;
     ChainMaker maker(engine, block, &shape->chain);
     uint32_t number = 0;
     for (ScriptLine* line : shape->lines) {

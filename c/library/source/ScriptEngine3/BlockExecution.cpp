@@ -57,16 +57,6 @@ constexpr size_t kStackReserve = 256 * 1024;
     return true;
 }
 
-// Whether a `call` has found its function: a literal of the template that names it
-// does so for good.
-inline bool isResolved(const ScriptBlock* block, const ScriptLine* line) {
-    const ScriptArg& name = line->args.items[0];
-    if (line->block == kNoBlock || name.kind != kPlaceLiteral || block->ownLiterals != nullptr)
-        return false;
-    const ScriptObject* literal = block->shape->literals[name.slot];
-    return literal->type == kTypeString && literal->isShared();
-}
-
 // Whether a statement that changes things outside may run from its file.
 [[gnu::noinline]] bool signatureSuffices(ScriptEngine* engine, const ScriptLine* line) {
     if (!line->needsSignature) return true;
@@ -163,7 +153,7 @@ inline void beginLine(ScriptEngine* engine, const ScriptLine* line) {
 }
 
 inline bool findsItsCall(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
-    return line->flow != kCallCommand || isResolved(block, line) ||
+    return line->flow != kCallCommand || blockCallIsResolved(block, line) ||
            resolveCall(engine, block, line);
 }
 
@@ -239,28 +229,39 @@ inline bool runLine(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) 
     return true;
 }
 
+// A statement at which a chain has stopped; false when the block stops.
+inline bool runStopped(ScriptEngine* engine, ScriptBlock* block, EvalValue* stack,
+                       const StepStop& stop) {
+    ScriptLine* line = block->shape->lines[stop.step->line];
+    switch (stop.step->kind) {
+        case kStepBody:
+            return takeIf(engine, block, kTrue, line);
+        case kStepCall:
+            return actOnStatus(engine, block,
+                               line->handler(engine, block, &line->args, line->block), line);
+        case kStepLine:
+            return runLine(engine, block, line);
+        case kStepRest:
+            return true;
+        default:
+            return finishLine(engine, block, stack, stop);
+    }
+}
+
 // The statements of a block that has a chain.
 inline bool runChain(ScriptEngine* engine, ScriptBlock* block) {
     EvalValue stack[kQuickDepth];
     StepStop stop;
     const ExprStep* step = block->shape->chain.begin();
     for (;;) {
-        if (step->kind != kStepLine && step->kind != kStepEnd) {
-            if (block->ownLiterals != nullptr) [[unlikely]]
-                return runLinesFrom(engine, block, step->line);
-            step->run(step, block, stack, &stop);
-            step = stop.step;
-        }
-        if (step->kind == kStepEnd) return true;
-        const uint32_t number = step->line;
-        ScriptLine* line = block->shape->lines[number];
-        const bool good = step->kind == kStepLine   ? runLine(engine, block, line)
-                          : step->kind == kStepBody ? takeIf(engine, block, kTrue, line)
-                                                    : finishLine(engine, block, stack, stop);
-        if (!good) return false;
+        if (block->ownLiterals != nullptr) [[unlikely]]
+            return runLinesFrom(engine, block, step->line);
+        if (step->run(step, block, stack, &stop) == kStepsEnded) return true;
+        if (!runStopped(engine, block, stack, stop)) return false;
         if (engine->pending != 0) return true;
+        step = stop.step;
         do ++step;
-        while (step->line == number);
+        while (step->line == stop.step->line);
     }
 }
 

@@ -40,8 +40,8 @@ inline bool makeNumber(ScriptBlock* instance, const BlockShape::Slot& slot, uint
 }
 
 // Gives the parameter a value that is more than a number for a new variable.
-int passOther(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg, ScriptBlock* instance,
-              uint32_t position) {
+[[gnu::noinline]] int passOther(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg,
+                                ScriptBlock* instance, uint32_t position) {
     ScriptBlock* where = nullptr;
     ScriptObject* value = scriptBlockSearchPlace(block, arg, &where);
     if (value == nullptr) return invalidArgument(engine, position);

@@ -50,6 +50,8 @@ enum ExprStepKind : uint8_t {
     kStepCheck,    // ends a condition: false skips the step behind it
     kStepBody,     // the statement's body is to be run
     kStepSucceed,  // a statement has succeeded: sets the result variables
+    kStepRest,     // the chain goes on from here
+    kStepCall,     // a `call` that has found its function for good
     kStepLine,     // a statement that is run by its handler
 };
 
