@@ -62,12 +62,12 @@ class ChainMaker {
         number_ = number;
         const ScriptExpression* program = quickProgram(line);
         if (program == nullptr)
-            return mark(blockCallIsResolved(block_, line) ? kStepCall : kStepLine, runStop);
+            return mark(needsHandlerAlone(line) ? kStepHandler : kStepLine, runStop);
         if (!addProgram(*program, line->flow == kIfCommand)) return false;
         const bool isIf = line->flow == kIfCommand;
         return (!isIf || mark(kStepBody, runStop)) &&
                succeed(isIf ? runSucceedIf : runSucceedEval) &&
-               (number % kLinesWithoutRest != 0 || mark(kStepRest, runStop));
+               ((number + 1) % kLinesWithoutRest != 0 || mark(kStepRest, runStop));
     }
     bool end(uint32_t number) {
         number_ = number;
@@ -84,6 +84,10 @@ class ChainMaker {
         // An `eval` that looks at the results sees them cleared.
         if (line->flow == kEvalCommand && namesResult(engine_, program)) return nullptr;
         return scriptArgumentSteps(block_, &line->args) == nullptr ? nullptr : program;
+    }
+    bool needsHandlerAlone(const ScriptLine* line) const {
+        return line->flow == kPlainCommand || line->flow == kIfCommand ||
+               blockCallIsResolved(block_, line);
     }
     bool push(ExprStep step) {
         step.line = number_;

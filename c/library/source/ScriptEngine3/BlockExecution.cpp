@@ -236,7 +236,8 @@ inline bool runStopped(ScriptEngine* engine, ScriptBlock* block, EvalValue* stac
     switch (stop.step->kind) {
         case kStepBody:
             return takeIf(engine, block, kTrue, line);
-        case kStepCall:
+        case kStepHandler:
+            beginLine(engine, line);
             return actOnStatus(engine, block,
                                line->handler(engine, block, &line->args, line->block), line);
         case kStepLine:

@@ -51,8 +51,8 @@ enum ExprStepKind : uint8_t {
     kStepBody,     // the statement's body is to be run
     kStepSucceed,  // a statement has succeeded: sets the result variables
     kStepRest,     // the chain goes on from here
-    kStepCall,     // a `call` that has found its function for good
-    kStepLine,     // a statement that is run by its handler
+    kStepHandler,  // a statement that is run by its handler
+    kStepLine,     // the same, and its handler may not be all
 };
 
 // Where a step stands in its program.

@@ -113,6 +113,17 @@ StepOutcome runUnary(const ExprStep* step, ScriptBlock* block, EvalValue* top, S
     }
 }
 
+// The size of a variable, which may be of any type.
+template <StepEnd end>
+StepOutcome runSizeof(const ExprStep* step, ScriptBlock* block, EvalValue* top, StepStop* stop) {
+    const ScriptObject* object = objectInSlot(step->right, block);
+    const uint32_t size = object != nullptr && object->type == kTypeString
+                              ? object->string.length
+                              : scriptObjectGetSize(object);
+    if (size == kNoSize) return leaveStep(step, top, stop);
+    return give<end>(size, step, block, top, stop);
+}
+
 StepOutcome runPushNumber(const ExprStep* step, ScriptBlock* block, EvalValue* top,
                           StepStop* stop) {
     return give<kMidway>(step->right.number, step, block, top, stop);
@@ -180,6 +191,13 @@ constexpr RunnerRow unaryRow() {
         {unaryRunners<op, kMidway>(), unaryRunners<op, kAtEnd>(), unaryRunners<op, kInChain>()}};
 }
 
+constexpr RunnerRow sizeofRow() {
+    RunnerRow row{kOpSizeof, {}};
+    row.by[kMidway][kFromStack][kFromSlot] = runSizeof<kMidway>;
+    row.by[kAtEnd][kFromStack][kFromSlot] = runSizeof<kAtEnd>;
+    return row;
+}
+
 constexpr RunnerRow kBinaryRunners[] = {
     binaryRow<kOpPlus>(), binaryRow<kOpMinus>(), binaryRow<kOpMult>(), binaryRow<kOpDiv>(),
     binaryRow<kOpMod>(),  binaryRow<kOpLt>(),    binaryRow<kOpGt>(),   binaryRow<kOpLe>(),
@@ -194,6 +212,7 @@ constexpr RunnerRow kUnaryRunners[] = {
     unaryRow<kOpNot>(),
     unaryRow<kOpIncr>(),
     unaryRow<kOpDecr>(),
+    sizeofRow(),
 };
 
 StepRunner runnerIn(std::span<const RunnerRow> rows, uint8_t op, StepEnd end, ExprSource left,
