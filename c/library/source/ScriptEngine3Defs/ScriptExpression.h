@@ -11,6 +11,8 @@ constexpr uint32_t kOpValue = 50;
 // The classifier's answer for a text that is no token.
 constexpr uint32_t kOpNone = 0;
 
+struct BlockShape;
+
 struct ExprToken {
     uint32_t op;
     uint32_t varId;  // meaningful when `op` is `kOpValue`
@@ -113,9 +115,16 @@ struct ScriptExpression {
     GrowArray<ExprStep> steps;
     uint32_t stackDepth = 0;  // the most values on the stack, 0 before the first run
     bool writes = false;      // has an operation that changes a variable
+    bool isLoose = false;     // see `scriptExpressionLoosen`
 };
 
 // An empty program; null when memory runs out. Ends with `scriptExpressionDestroy`.
 ScriptExpression* scriptExpressionCreate();
 ScriptExpression* scriptExpressionClone(const ScriptExpression* expression);
 void scriptExpressionDestroy(ScriptExpression** expression);
+
+// Makes an expression ready to leave the block whose template has `shape`: as the
+// element of a container it is evaluated wherever a pointer to it is used, and
+// looks up its literals there by their ids, like its variables, each time anew.
+// False when memory runs out.
+bool scriptExpressionLoosen(ScriptExpression* expression, BlockShape* shape);

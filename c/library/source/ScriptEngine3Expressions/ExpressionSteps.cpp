@@ -47,10 +47,14 @@ ExprOperand literalOperand(ExprOperand operand, ScriptObject* literal) {
     return operand;
 }
 
-ExprOperand operandOf(const ExprToken& token, ScriptBlock* block) {
+ExprOperand operandOf(const ExprToken& token, ScriptBlock* block, bool isLoose) {
     ExprOperand operand{};
     operand.place.id = token.varId;
     operand.from = kFromPlace;
+    if (isLoose) {
+        operand.place.kind = kPlaceNowhere;
+        return operand;
+    }
     if (token.literalSlot != kNoVariable) {
         operand.place.slot = token.literalSlot;
         return literalOperand(operand, block->shape->literals[token.literalSlot]);
@@ -92,7 +96,7 @@ bool makeSteps(ScriptExpression* expression, ScriptBlock* block) {
     for (const ExprToken& token : expression->tokens) {
         if (token.op == kOpValue) {
             ExprStep push = plainStep(kStepPush, kOpValue);
-            push.right = operandOf(token, block);
+            push.right = operandOf(token, block, expression->isLoose);
             if (!steps.push(push)) return false;
             if (++depth > expression->stackDepth) expression->stackDepth = depth;
             continue;

@@ -1,6 +1,7 @@
 #include "ScriptEngine3Functions/ContainerArguments.h"
 
 #include "ScriptEngine3Defs/ScriptEvaluator.h"
+#include "ScriptEngine3Defs/ScriptExpression.h"
 #include "strings/StringNumbers.h"
 
 ScriptObject* ContainerArguments::containerGone() {
@@ -31,7 +32,11 @@ ScriptObject* ContainerArguments::copyOf(uint32_t index, bool followRefs) {
 
 ScriptObject* ContainerArguments::raw(uint32_t index) {
     if (!ok()) return nullptr;
-    return scriptObjectClone(scriptBlockSearchPlace(block_, arg(index), nullptr));
+    ScriptBlock* where = nullptr;
+    Owned<ScriptObject> copy(scriptObjectClone(scriptBlockSearchPlace(block_, arg(index), &where)));
+    if (copy && copy->type == kTypeExpr && !scriptExpressionLoosen(copy->expression, where->shape))
+        return nullptr;
+    return copy.release();
 }
 
 uint32_t ContainerArguments::index(uint32_t index) {
