@@ -344,6 +344,7 @@ strpatternmatch "ABC" "a*"; OK; strpatternmatch "ABC" "a*" 0; OK; strpatternmatc
 // In a key of their own, which the last case deletes. Where the registry is the
 // system's it is the same for all tests.
 TEST_F(CommandCases, Registry) {
+    times_ = 1;
     check(
         casesOf(R"(
 delregkey k a; eval ( a = "kept" ); eval ( b = "old" );
@@ -388,6 +389,7 @@ delregkey k a; OK; delregkey k a; OK; show ( a . ok );
 }
 
 TEST_F(CommandCases, EnvironmentAndLocks) {
+    times_ = 1;
     check(casesOf(R"(
 eval ( a = "old" ); getenv "COMMAND_CASES" a; OK; show ( a . ok ); setenv "COMMAND_CASES" "a = b"; OK;
   getenv "COMMAND_CASES" v; OK; show ( v . ok ); setenv "COMMAND_CASES" 8080; getenv "COMMAND_CASES" a;

@@ -86,21 +86,25 @@ class ScriptCases : public testing::Test {
         return heard.substr(0, end);
     }
 
-    // Runs each case as a function of its own, between `head` and `tail`.
+    // Runs each case as a function of its own, between `head` and `tail`, and once more:
+    // what ran before runs another way.
     void check(const std::vector<Case>& cases, const std::string& head,
                const std::string& tail = "") {
-        std::string script = "function same a a\nend\n";
+        std::string script = functions_;
         for (size_t at = 0; at < cases.size(); ++at)
             script += "function f" + std::to_string(at) + "\n" + head + cases[at].script + tail +
                       "\nend\n";
         ASSERT_TRUE(parse(script)) << heard;
-        for (size_t at = 0; at < cases.size(); ++at) {
-            EXPECT_EQ(cases[at].messages, run("f" + std::to_string(at))) << cases[at].script;
-            EXPECT_NE("", heard) << cases[at].script;
-        }
+        for (size_t at = 0; at < cases.size(); ++at)
+            for (int time = 0; time < times_; ++time) {
+                EXPECT_EQ(cases[at].messages, run("f" + std::to_string(at))) << cases[at].script;
+                EXPECT_NE("", heard) << cases[at].script;
+            }
     }
 
     ScriptEngine* engine_ = nullptr;
+    int times_ = 2;
+    std::string functions_ = "function same a a\nend\n";  // that cases can call
 };
 
 // Cases of a table, a line each: STATEMENT; STATEMENT -> MESSAGE | MESSAGE. A line
