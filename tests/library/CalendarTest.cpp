@@ -2,10 +2,8 @@
 
 #include <array>
 
-#include "platform/clock.h"
 #include "time/Calendar.h"
 #include "time/Time.h"
-#include "time/Zones.h"
 
 namespace {
 
@@ -61,37 +59,6 @@ TEST(Calendar, RefusesFieldsThatAreOutOfRange) {
     DateTime fields;
     dateTimeSet(&fields, ~Time{0});
     EXPECT_GE(31u, fields.date.day) << "absurd counts end soon, too";
-}
-
-TEST(Calendar, CountsSecondsFrom1970ByTheClockThatIsSet) {
-    OsVirtualClock clock;
-    osVirtualClock = &clock;
-    clock.utc = 1236866709123;
-    EXPECT_EQ(1236866709, timeToEpoch(timeNow()));
-    osVirtualClock = nullptr;
-    EXPECT_EQ(kEpoch, timeFromEpoch(0));
-    EXPECT_EQ(1236866709000 + kEpoch, timeFromEpoch(1236866709));
-    EXPECT_LT(1000000000000, timeToEpoch(kEpoch - 1)) << "before 1970 there is no meaning";
-}
-
-TEST(Zones, ApplyAndRemoveAreEachOthersInverse) {
-    Owned<DateTime> fields(timeToDateTime(timeFromEpoch(1236866709)));
-    const TimeZone zone{19 * 60 + 30};
-    EXPECT_FALSE(zoneRemove(&zone, fields.get())) << "it is UTC";
-    ASSERT_TRUE(zoneApply(&zone, fields.get()));
-    EXPECT_EQ(13u, fields->date.day);
-    EXPECT_EQ(9u, fields->clock.hour);
-    EXPECT_EQ(35u, fields->clock.minute);
-    EXPECT_EQ(0, fields->isUtc);
-    EXPECT_EQ(zone.offset, fields->zoneOffset);
-    ASSERT_TRUE(zoneRemove(&zone, fields.get()));
-    EXPECT_EQ(12u, fields->date.day);
-    EXPECT_EQ(14u, fields->clock.hour);
-    EXPECT_EQ(kZoneNotSet, fields->zoneOffset);
-    fields->isUtc = 0;
-    fields->date.month = 13;
-    EXPECT_FALSE(zoneApply(&zone, fields.get()));
-    EXPECT_EQ(13u, fields->date.month);
 }
 
 }  // namespace

@@ -46,6 +46,7 @@ setptr p n; eval ( p = 5 ); show ( n . p . p * 2 ); eval ( p += 1 ); eval ( p .=
   222
 setptr p n; eval ( n = 9 ); eval ( x = p ); is x "pointer" 0; OK; setptr p a; eval ( p = "z" );
   show ( x . &num x . a . ok ); eval ( b = p ); show ( b . "" ) -> z0z1 | z
+for ( n = 0 ) ( n < 2 ) ( ++ n ); setptr mine n; end; echo mine -> @Echo: Failed to get string value
 setptr made n; show ( made + 1 . "" ); is made "pointer" 0; OK; is made "pointer"; OK;
   is made "number"; OK; is n "number" "no"; OK; show ( ok . "" ) -> 1 | 1011
 if 1; setptr p n; eval ( p = 4 ); show ( p + 1 . "" ); end; eval ( p = 6 );

@@ -26,62 +26,6 @@ ScriptObject* declare(ScriptBlock* block, uint32_t id, double value) {
 
 }  // namespace
 
-TEST(ScriptBlock, ALiteralIsSharedUntilAnInstanceOwnsIt) {
-    const Owned<ScriptBlock> body(scriptBlockCreate());
-    ScriptObject* literal = scriptObjectCreateNumber(5);
-    const uint32_t slot = scriptBlockAddLiteral(body.get(), literal);
-    VarPlace place;
-    place.kind = kPlaceLiteral;
-    place.slot = slot;
-    ScriptBlock* first = scriptBlockInstantiate(body.get(), nullptr);
-    ScriptBlock* second = scriptBlockInstantiate(body.get(), first);
-    EXPECT_EQ(literal, scriptBlockSearchPlace(first, &place, nullptr));
-    ScriptObject* own = scriptBlockOwnLiteral(first, literal);
-    ASSERT_NE(literal, own);
-    own->number = 6;
-    EXPECT_EQ(own, scriptBlockOwnLiteral(first, literal));
-    EXPECT_EQ(own, scriptBlockSearchPlace(first, &place, nullptr));
-    EXPECT_EQ(literal, scriptBlockSearchPlace(second, &place, nullptr));
-    EXPECT_EQ(5, literal->number);
-    scriptBlockRenew(first);
-    EXPECT_EQ(literal, scriptBlockSearchPlace(first, &place, nullptr));
-    EXPECT_EQ(nullptr, scriptBlockOwnLiteral(nullptr, literal));
-    memFailAfter(0, true);
-    EXPECT_EQ(nullptr, scriptBlockOwnLiteral(second, literal));
-    memFailAfter(-1, false);
-    scriptBlockRetire(second);
-    scriptBlockRetire(first);
-}
-
-// An instance that is used again has the address of the one before.
-TEST(ScriptBlock, APointerIntoAnEndedInstanceIsDead) {
-    for (const bool renewed : {false, true}) {
-        const Owned<ScriptBlock> body = templateWith(kName);
-        ScriptBlock* instance = scriptBlockInstantiate(body.get(), nullptr);
-        const Owned<ScriptObject> pointer(scriptObjectCreate(kTypePointer));
-        const Owned<ScriptObject> behind(scriptObjectCreate(kTypePointer));
-        ScriptObject* target = declare(instance, kName, 1);
-        scriptPointerAim(pointer.get(), target, instance);
-        scriptPointerAim(behind.get(), pointer.get(), instance);
-        EXPECT_EQ(target, scriptObjectResolveRef(pointer.get()));
-        EXPECT_EQ(nullptr, scriptObjectResolveRef(behind.get())) << "the pointer has no name";
-        pointer->nameId = kOther;
-        EXPECT_EQ(target, scriptObjectResolveRef(behind.get())) << "it travelled, and is alive";
-        if (renewed) {
-            scriptBlockRenew(instance);
-        } else {
-            scriptBlockRetire(instance);
-            ASSERT_EQ(instance, scriptBlockInstantiate(body.get(), nullptr));
-        }
-        ASSERT_EQ(target, declare(instance, kName, 2)) << "and so has the variable";
-        EXPECT_EQ(nullptr, scriptPointerTarget(pointer.get()));
-        EXPECT_EQ(nullptr, scriptPointerBlock(pointer.get()));
-        EXPECT_EQ(nullptr, scriptObjectResolveRef(pointer.get()));
-        EXPECT_EQ(nullptr, scriptObjectResolveRef(behind.get()));
-        scriptBlockRetire(instance);
-    }
-}
-
 // A place finds what the search by name finds, whatever was declared where
 // and when, in short chains and in long ones, with memory and without.
 TEST(ScriptBlock, APlaceFindsTheNearestVariable) {

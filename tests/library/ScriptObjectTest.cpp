@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <string>
 #include <vector>
 
@@ -118,34 +117,6 @@ TEST(ScriptObject, ContainersJoinTheTextsOfWhatTheyHold) {
         EXPECT_EQ(expected, textOf(value.get()));
         EXPECT_EQ(truth, scriptObjectGetBool(nullptr, value.get())) << expected;
     }
-}
-
-TEST(ScriptObject, ComparesNumbersExactlyAndTheRestByText) {
-    const Object target = text("b");
-    const Object one = pointerTo(target.get());
-    const Object two = pointerTo(one.get());
-    const struct {
-        Object left;
-        Object right;
-        int order;
-    } cases[] = {{number(10), text("9"), -1},
-                 {number(1.5), text("1.5"), 0},
-                 {number(1), number(1 + 1e-15), -1},
-                 {number(NAN), number(1), 0},
-                 {text("a"), text("ab"), -1},
-                 {text("\xff"), text("a"), -1},  // bytes count as signed
-                 {list(number(1), number(2)), text("1;2"), 0},
-                 {undef(), undef(), 0},
-                 {undef(), list(), -1},
-                 {list(), undef(), 1},
-                 {pointerTo(target.get()), text("b"), 0},
-                 {pointerTo(nullptr), text("b"), kCompareFailed},
-                 {pointerTo(two.get()), text("b"), 0},  // the pointers behind the first have texts
-                 {Object(scriptObjectCreate(kTypeTree)), Object(scriptObjectCreate(kTypeTree)),
-                  kCompareFailed}};
-    for (const auto& row : cases)
-        EXPECT_EQ(row.order, scriptObjectCompare(nullptr, row.left.get(), row.right.get()))
-            << textOf(row.left.get()) << " / " << textOf(row.right.get());
 }
 
 // A holder that takes over one of its own elements must not read what it ends.
@@ -265,23 +236,4 @@ TEST(ScriptObject, ValuesNestedBeyondReasonFailAsAWhole) {
         const Object shallow = list(list(number(1)));
         EXPECT_EQ("1", textOf(Object(scriptObjectClone(shallow.get())).get()));
     }
-}
-
-TEST(ScriptObject, RetypingGivesTheDefaultOfTheNewType) {
-    constexpr const char* kDefaults[] = {nullptr, kNoText, kNoText, kNoText, "0",
-                                         "",      kNoText, "",      "",      "",
-                                         "",      kNoText, kNoText, kNoText};
-    for (uint32_t from = kTypeUndef; from < kTypeCount; ++from)
-        for (uint32_t to = kTypeNone; to <= kTypeCount; ++to) {
-            Object value(scriptObjectCreate(static_cast<ScriptType>(from)));
-            if (from >= kTypeList && from <= kTypeTree) put(value.get(), text("x"));
-            const bool works = to == from || (to > kTypeUndef && to < kTypeCount);
-            EXPECT_EQ(works, scriptObjectRetype(value.get(), static_cast<ScriptType>(to)));
-            if (works && from != to) {
-                EXPECT_EQ(kDefaults[to], textOf(value.get())) << to;
-            }
-            if (to == kTypeUndef) {
-                EXPECT_EQ(kTypeUndef, value->type);
-            }
-        }
 }

@@ -5,8 +5,6 @@
 #include <limits>
 #include <string>
 
-#include "containers/Memory.h"
-
 namespace {
 
 template <typename... Args>
@@ -81,16 +79,6 @@ TEST(StringFormat, AnArgumentMayBeTheStringItself) {
     EXPECT_STREQ("<self]>", stringText(s.get()));
     EXPECT_TRUE(stringInsertFormat(s.get(), 1, "%S%i", s, 1));
     EXPECT_STREQ("<<self]>1self]>", stringText(s.get()));
-}
-
-TEST(StringFormat, LeavesTheTextAsItWasWhenMemoryRunsOut) {
-    Owned<String> s(stringFromText("kept"));
-    memFailAfter(1, true);
-    EXPECT_FALSE(stringAppendFormat(s.get(), "%s%'-'20s%99s", "more and more", "", ""));
-    memFailAfter(-1, false);
-    EXPECT_STREQ("kept", stringText(s.get()));
-    EXPECT_FALSE(stringAppendFormat(s.get(), "%4294967295i", 1));
-    EXPECT_STREQ("kept", stringText(s.get()));
 }
 
 }  // namespace

@@ -110,14 +110,6 @@ TEST(StringEdit, ReplacesWithoutRescanningAndWithinTheRange) {
     EXPECT_EQ("zz", text(self));
 }
 
-TEST(StringEdit, PadsTheOddByteBehind) {
-    for (const auto& [width, after] : {std::pair(4, "abc."), std::pair(6, ".abc..")}) {
-        Owned<String> s = make("abc");
-        EXPECT_TRUE(stringPadCentre(s.get(), width, '.'));
-        EXPECT_EQ(after, text(s));
-    }
-}
-
 TEST(StringEdit, CutsAtTheFirstSeparator) {
     Owned<String> s = make("key==value=x");
     EXPECT_EQ("key", text(Owned<String>(stringCutAtText(s.get(), "=="))));

@@ -112,22 +112,4 @@ TEST(TimeParse, ReadsAllForms) {
           "2009-03-12T14:05+2=none");
 }
 
-TEST(TimeParse, TakesRandomBytes) {
-    const VirtualClock clock;
-    constexpr char kBytes[] = "0123456789--::..TZ+%@\0 \x80";
-    uint32_t seed = 1;
-    for (int round = 0; round < 20000; ++round) {
-        std::string text;
-        for (int length = round % 24; length > 0; --length) {
-            seed = seed * 1664525 + 1013904223;
-            text += kBytes[(seed >> 16) % (sizeof(kBytes) - 1)];
-        }
-        Time time = 0;
-        DateTime fields;
-        timeFromText(&time, text);
-        timeParseZone(text, &fields);
-        ASSERT_TRUE(Owned<String>(timeFormat(time, nullptr, text)));
-    }
-}
-
 }  // namespace

@@ -6,7 +6,6 @@
 #include <random>
 #include <vector>
 
-#include "containers/Memory.h"
 #include "containers/PointerStack.h"
 
 namespace {
@@ -38,41 +37,7 @@ std::vector<int> serials(const Owned<Vector>& vector) {
     return result;
 }
 
-int ended = 0;
-void countDestroy(void** element) {
-    ++ended;
-    *element = nullptr;
-}
-
 }  // namespace
-
-TEST(Vector, InsertsErasesAndGrowsByDoubling) {
-    std::vector<Item> items = makeItems(std::vector<int32_t>(15, 0));
-    Owned<Vector> vector(vectorCreate());
-    EXPECT_FALSE(vectorInsert(vector.get(), 1, &items[0]));
-    for (int i = 0; i < 14; ++i) {
-        EXPECT_EQ(13u, vector->capacity);
-        EXPECT_TRUE(vectorInsert(vector.get(), static_cast<uint32_t>(i / 2), &items[i]));
-    }
-    EXPECT_EQ(26u, vector->capacity);
-    EXPECT_EQ((std::vector<int>{1, 3, 5, 7, 9, 11, 13, 12, 10, 8, 6, 4, 2, 0}), serials(vector));
-
-    ended = 0;
-    vectorEraseWith(vector.get(), 2, 3, countDestroy);
-    vectorErase(vector.get(), 9, UINT32_MAX);
-    vectorErase(vector.get(), 9, 1);
-    EXPECT_EQ(3, ended);
-    EXPECT_EQ((std::vector<int>{1, 3, 11, 13, 12, 10, 8, 6, 4}), serials(vector));
-    EXPECT_FALSE(vectorSet(vector.get(), 9, &items[0]));
-    EXPECT_TRUE(vectorSet(vector.get(), 8, nullptr));
-    EXPECT_EQ(nullptr, vectorGet(vector.get(), 9));
-
-    EXPECT_TRUE(vectorResize(vector.get(), 20));
-    vectorClearWith(vector.get(), countDestroy);
-    EXPECT_EQ(3 + 8, ended) << "a null element is not ended";
-    EXPECT_EQ(20u, vector->capacity);
-    EXPECT_EQ(1, vector->sorted);
-}
 
 TEST(Vector, CopiesWithTheSortedFlagAndGrowsFromNothing) {
     std::vector<Item> items = makeItems({3, 1, 2});
@@ -133,19 +98,6 @@ TEST(Vector, BelievesItsSortedFlag) {
     vectorSet(vector.get(), 0, &items[0]);
     vectorSort(vector.get(), compareSigned);
     EXPECT_EQ(1, at(vector, 0).key);
-}
-
-TEST(Vector, StaysAsItWasWhenMemoryRunsOut) {
-    std::vector<Item> items = makeItems(std::vector<int32_t>(52, 1));
-    const Owned<Vector> vector = vectorOf(items);
-    memFailAfter(0, true);
-    EXPECT_FALSE(vectorAppend(vector.get(), &items[0]) || vectorResize(vector.get(), 200));
-    vectorSort(vector.get(), compareSigned);
-    EXPECT_EQ(nullptr, vectorClone(vector.get()));
-    memFailAfter(-1, false);
-    EXPECT_EQ(0, vector->sorted) << "nothing was sorted";
-    EXPECT_EQ(52u, vector->size);
-    EXPECT_EQ(0, at(vector, 0).serial);
 }
 
 TEST(PointerStack, GivesBackInReverse) {
