@@ -23,7 +23,7 @@ struct SetIterator;
 struct Vector;
 
 // Flags of an object.
-enum ScriptObjectFlags : uint8_t {
+enum ScriptObjectFlags : uint32_t {
     // Stands in a template and is seen by all its instances: whoever would
     // write to it, retype it or keep its address takes a copy first
     // (`scriptBlockOwnLiteral`).
@@ -44,9 +44,10 @@ enum ListWalk : uint64_t {
     kListErasedToEnd,  // the element erased last was the last one: no cursor
 };
 
-// One script value. The payload slots lie inside the record, a number and the
-// record of a string too, so that a value is one piece of a pool. `values` of
-// the plain layout is the union; it is empty exactly when the type is undef.
+// One script value, in half a line of the cache. The payload slots lie inside the
+// record, a number and the record of a string too, so that a value is one piece of
+// a pool. `values` of the plain layout is the union; it is empty exactly when the
+// type is undef.
 // The record of a dead object stays in the pool with its `generation` raised:
 // that is how a reference finds out that what it refers to is gone. The pool
 // writes its link over the first eight bytes of a dead record.
@@ -98,14 +99,15 @@ struct ScriptObject {
         Waiting waiting;
         void* payload;  // slot 0 of the types that keep a record outside
     };
-    uint32_t nameId;
-    uint32_t generation;
-    ScriptType type;
-    mutable uint8_t flags;
+    uint32_t nameId : 24;
+    ScriptType type : 8;
+    mutable uint32_t flags : 3;  // `ScriptObjectFlags`
+    uint32_t generation : 29;
 
     bool isShared() const { return (flags & kObjectShared) != 0; }
     bool hasValues() const { return type != kTypeUndef; }
 };
+static_assert(sizeof(ScriptObject) == 32 || sizeof(void*) != 8);
 
 // Making and ending. Objects come from one pool of the process, for the thread
 // that runs the script. Null or false when memory runs out.

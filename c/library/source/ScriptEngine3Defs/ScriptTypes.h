@@ -44,8 +44,8 @@ enum ScriptTruth : int { kFalse = 0, kTrue = 1, kNoTruth = 2 };
 constexpr int kCompareFailed = -2;
 constexpr uint32_t kNoSize = 0xFFFFFFFF;
 
-// A variable id; ids are handed out from 1.
-constexpr uint32_t kNoVariable = 0xFFFFFFFF;
+// No variable id. Ids are handed out from 1 up to it, and an object keeps 24 bits of one.
+constexpr uint32_t kNoVariable = 0xFFFFFF;
 
 // `ScriptLine::block` of a statement without a body, and of a global statement.
 constexpr int kNoBlock = -1;

@@ -33,7 +33,7 @@ class ValueWalk {
         ++depth_;
         const bool result = work();
         --depth_;
-        object->flags &= static_cast<uint8_t>(~kObjectInWalk);
+        object->flags &= ~kObjectInWalk;
         return result && !tripped_;
     }
 

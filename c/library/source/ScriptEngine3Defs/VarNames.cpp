@@ -8,6 +8,7 @@ namespace {
 constexpr uint32_t kResultVars = 4;
 
 uint32_t handOutId(ParseTables* tables) {
+    if (tables->lastVarId + 1 == kNoVariable) return kNoVariable;
     const uint32_t id = ++tables->lastVarId;
     if (id >= scriptVarIdCounter) scriptVarIdCounter = id + 1;
     return id;
@@ -31,7 +32,7 @@ uint32_t scriptHiddenVarId(ParseTables* tables) {
 }
 
 uint32_t scriptAnonymousVarId() {
-    return ++scriptVarIdCounter;
+    return scriptVarIdCounter == kNoVariable ? kNoVariable : ++scriptVarIdCounter;
 }
 
 bool scriptTemporariesAdd(ScriptObject* object) {

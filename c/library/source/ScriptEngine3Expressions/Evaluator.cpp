@@ -237,7 +237,7 @@ bool Evaluation::byOperation(uint8_t op, EvalValue* left, EvalValue& right, Eval
     // An empty pointer may have been aimed at the operand: it lives on as long
     // as the statement's other temporaries.
     if (assigns && left->object->type == kTypePointer && isMade(right)) {
-        right.object->flags &= static_cast<uint8_t>(~kObjectMade);
+        right.object->flags &= ~kObjectMade;
         scriptTemporariesAdd(right.object);
     }
     *result = valueOfMade(made);
