@@ -18,11 +18,21 @@ void copyPointers(void** target, void* const* source, size_t count) {
     if (count != 0) std::memcpy(target, source, count * sizeof(void*));
 }
 
+bool changeCapacity(Vector* vector, uint32_t capacity) {
+    void* array = memResize(vector->data, size_t{capacity} * sizeof(void*));
+    if (array == nullptr) return false;
+    vector->data = static_cast<void**>(array);
+    vector->capacity = capacity;
+    return true;
+}
+
+// What is new is left as it comes: a large array is mostly room that nothing
+// touches, and then it takes no memory either.
 bool grow(Vector* vector) {
-    if (vector->capacity == 0) return vectorResize(vector, kVectorCapacity);
     if (vector->capacity == UINT32_MAX) return false;
-    return vectorResize(vector, static_cast<uint32_t>(std::min<uint64_t>(
-                                    uint64_t{vector->capacity} * 2, UINT32_MAX)));
+    const uint64_t doubled =
+        vector->capacity == 0 ? kVectorCapacity : uint64_t{vector->capacity} * 2;
+    return changeCapacity(vector, static_cast<uint32_t>(std::min<uint64_t>(doubled, UINT32_MAX)));
 }
 
 void destroyRange(void** from, void** to, DestroyFunction destroy) {
@@ -140,19 +150,17 @@ void vectorClearWith(Vector* vector, DestroyFunction destroy) {
 
 bool vectorResize(Vector* vector, uint32_t capacity) {
     if (vector == nullptr) return false;
+    const uint32_t before = vector->capacity;
     if (capacity == 0) {
         memFree(&vector->data);
-    } else if (capacity != vector->capacity) {
-        void* array = memResize(vector->data, size_t{capacity} * sizeof(void*));
-        if (array == nullptr) return false;
-        vector->data = static_cast<void**>(array);
+        vector->capacity = 0;
+    } else if (capacity != before && !changeCapacity(vector, capacity)) {
+        return false;
     }
     vector->size = std::min(vector->size, capacity);
     // Whoever looks behind the size finds nulls, as in a new vector.
-    if (capacity > vector->capacity)
-        std::memset(vector->data + vector->capacity, 0,
-                    (capacity - vector->capacity) * sizeof(void*));
-    vector->capacity = capacity;
+    if (capacity > before)
+        std::memset(vector->data + before, 0, (capacity - before) * sizeof(void*));
     return true;
 }
 
