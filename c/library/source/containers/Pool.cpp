@@ -39,17 +39,26 @@ bool poolHasGrown(const Pool* pool) {
     return pool != nullptr && pool->chunks != nullptr && pool->chunks->older != nullptr;
 }
 
+// So that a record that fits into half a line of the cache never lies in two.
+constexpr uintptr_t kAligned = 32;
+
+// How far the records begin behind the header.
+static size_t firstRecord(const Pool* pool, const PoolChunk* chunk) {
+    if (pool->recordSize % kAligned != 0) return sizeof(PoolChunk);
+    return sizeof(PoolChunk) + reinterpret_cast<uintptr_t>(chunk + 1) % kAligned;
+}
+
 // Adds a chunk of at least one record, all zeros, and makes its records the fresh ones.
 static bool addChunk(Pool* pool) {
-    const size_t room = std::max<size_t>(pool->nextChunk - sizeof(PoolChunk), pool->recordSize);
-    const size_t bytes = room - room % pool->recordSize;
-    auto* chunk = static_cast<PoolChunk*>(memAllocZeros(sizeof(PoolChunk) + bytes));
+    const size_t bytes = std::max<size_t>(pool->nextChunk, kAligned + pool->recordSize);
+    auto* chunk = static_cast<PoolChunk*>(memAllocZeros(bytes));
     if (chunk == nullptr) return false;
     chunk->older = pool->chunks;
     pool->chunks = chunk;
-    pool->fresh = reinterpret_cast<char*>(chunk + 1);
-    pool->freshEnd = pool->fresh + bytes;
-    pool->nextChunk = std::min(pool->nextChunk * 2, kPoolLargestChunk);
+    const size_t first = firstRecord(pool, chunk);
+    pool->fresh = reinterpret_cast<char*>(chunk) + first;
+    pool->freshEnd = pool->fresh + (bytes - first) / pool->recordSize * pool->recordSize;
+    pool->nextChunk = std::min(pool->nextChunk * kPoolGrowth, kPoolLargestChunk);
     return true;
 }
 

@@ -20,14 +20,16 @@ struct Pool {
     PoolChunk* chunks;  // owned, the newest first
     uint32_t recordSize;
     uint32_t linkOffset;
-    uint32_t firstChunk;  // bytes of the first chunk; each later one is twice as large
+    uint32_t firstChunk;  // bytes of the first chunk; later ones are larger
     uint32_t nextChunk;
 };
 
 // A full first chunk in bytes, or one record where that is larger. Later chunks
-// double up to the largest.
+// grow up to the largest: room that is not taken yet costs no memory, and the
+// system gives large pieces in large pages.
 constexpr uint32_t kPoolChunk = 64 * 1024;
-constexpr uint32_t kPoolLargestChunk = 4 * 1024 * 1024;
+constexpr uint32_t kPoolGrowth = 4;
+constexpr uint32_t kPoolLargestChunk = 32 * 1024 * 1024;
 
 // Makes an empty pool; no memory is asked for before the first take. The size
 // is rounded up to a multiple of 8, and records are aligned to 16 when it is one
