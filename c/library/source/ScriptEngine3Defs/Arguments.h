@@ -24,6 +24,40 @@ bool scriptEngineGetVarText(ScriptEngine* engine, ScriptBlock* block, ScriptArg*
 // The same by id, as a `String` that the caller owns; null without a text.
 String* scriptEngineGetVarString(ScriptEngine* engine, ScriptBlock* block, uint32_t id);
 
+// The object of an argument that is a variable in a known place; null for any other.
+// Nobody else sees such an object, as the literals of a template are seen: it may be
+// written to.
+[[gnu::always_inline]] inline ScriptObject* scriptPlainVariable(ScriptBlock* block,
+                                                                ScriptArgs* args, uint32_t index) {
+    ScriptArg* arg = &args->items[index];
+    return arg->kind == kPlaceLocal ? scriptBlockSearchPlace(block, arg, nullptr) : nullptr;
+}
+// The same of one that can be written to and read as it is, being no pointer and no
+// expression.
+[[gnu::always_inline]] inline ScriptObject* scriptPlainTarget(ScriptBlock* block, ScriptArgs* args,
+                                                              uint32_t index) {
+    ScriptObject* object = scriptPlainVariable(block, args, index);
+    const bool isPlain =
+        object != nullptr && object->type != kTypePointer && object->type != kTypeExpr;
+    return isPlain ? object : nullptr;
+}
+// The same of this type.
+[[gnu::always_inline]] inline ScriptObject* scriptPlainTarget(ScriptBlock* block, ScriptArgs* args,
+                                                              uint32_t index, ScriptType type) {
+    ScriptObject* object = scriptPlainVariable(block, args, index);
+    return object != nullptr && object->type == type ? object : nullptr;
+}
+// The same of a literal as well, to be read only.
+[[gnu::always_inline]] inline const ScriptObject* scriptPlainValue(ScriptBlock* block,
+                                                                   ScriptArgs* args, uint32_t index,
+                                                                   ScriptType type) {
+    ScriptArg* arg = &args->items[index];
+    if (arg->kind != kPlaceLocal && (arg->kind != kPlaceLiteral || block->ownLiterals != nullptr))
+        return nullptr;
+    const ScriptObject* object = scriptBlockSearchPlace(block, arg, nullptr);
+    return object != nullptr && object->type == type ? object : nullptr;
+}
+
 // Reads a handler's arguments, each when it is asked for, in the handler's
 // order: fetches, checks, reports, and remembers the first failure. After a
 // failure it does nothing more, and every reader gives null, 0 or an empty

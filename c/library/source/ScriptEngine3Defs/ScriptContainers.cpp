@@ -25,11 +25,24 @@ bool addElement(ScriptObject* container, ScriptObject* element) {
     switch (container->type) {
         case kTypeList:
             return listPushBack(container->list.list, element);
-        case kTypeVector:
-            return vectorAppend(container->vector.vector, element);
         default:
             return setInsert(container->set.set, element);
     }
+}
+
+// As many slots as the source has, numbers as they stand.
+bool cloneSlots(ScriptObject* copy, const ScriptObject* source) {
+    const Vector* from = source->vector.vector;
+    Vector* to = copy->vector.vector;
+    copy->vector.numberName = source->vector.numberName;
+    if (!vectorResize(to, vectorSize(from))) return false;
+    for (uint32_t at = 0; at < vectorSize(from); ++at) {
+        void* slot = from->data[at];
+        if (!slotIsNumber(slot)) slot = scriptObjectClone(static_cast<ScriptObject*>(slot));
+        if (slot == nullptr) return false;
+        vectorAppend(to, slot);
+    }
+    return true;
 }
 
 bool cloneElements(ScriptObject* copy, const ScriptObject* source) {
@@ -78,9 +91,6 @@ void clearElements(ScriptObject* object, DestroyFunction destroy) {
         case kTypeList:
             listClearWith(object->list.list, destroy);
             break;
-        case kTypeVector:
-            vectorClearWith(object->vector.vector, destroy);
-            break;
         case kTypeSet:
             setClearWith(object->set.set, destroy);
             break;
@@ -94,7 +104,7 @@ void forget(void** element) {
     *element = nullptr;
 }
 
-// Moves the elements of `copy` into the empty `target`.
+// Moves the elements of `copy` into the empty `target`, which is no vector.
 bool moveElements(ScriptObject* target, ScriptObject* copy) {
     bool whole = true;
     if (target->type == kTypeMap) {
@@ -125,7 +135,7 @@ bool scriptContainerCreate(ScriptObject* object, ScriptType type) {
             object->list = {listCreate(), nullptr, kListNoWalk};
             return object->list.list != nullptr;
         case kTypeVector:
-            object->vector = {vectorCreate(), 0, 0, 0};
+            object->vector = {vectorCreate(), 0, 0, 0, kNoVariable};
             return object->vector.vector != nullptr;
         case kTypeSet:
             object->set = {setCreate(scriptObjectCompareElements, &scriptElementKeys), nullptr};
@@ -152,7 +162,8 @@ void scriptContainerDestroy(ScriptObject* object) {
             listDestroyWith(&object->list.list, scriptObjectDestroyElement);
             break;
         case kTypeVector:
-            vectorDestroyWith(&object->vector.vector, scriptObjectDestroyElement);
+            scriptVectorClear(object->vector.vector);
+            vectorDestroy(&object->vector.vector);
             break;
         case kTypeSet:
             setDestroyWith(&object->set.set, scriptObjectDestroyElement);
@@ -173,8 +184,9 @@ bool scriptContainerClone(ScriptObject* copy, const ScriptObject* source) {
     if (CloneDepth::tooDeep || !scriptContainerCreate(copy, source->type)) return false;
     copy->type = source->type;
     if (source->type == kTypeTree) return copyTree(copy->tree, source->tree);
-    const bool whole =
-        source->type == kTypeMap ? clonePairs(copy, source) : cloneElements(copy, source);
+    const bool whole = source->type == kTypeMap      ? clonePairs(copy, source)
+                       : source->type == kTypeVector ? cloneSlots(copy, source)
+                                                     : cloneElements(copy, source);
     if (CloneDepth::tooDeep) return false;
     if (!whole) {
         scriptContainerDestroy(copy);
@@ -196,6 +208,11 @@ bool scriptContainerAssign(ScriptObject* target, const ScriptObject* source) {
     if (!copy || copy->payload == nullptr) return false;
     if (target->payload == nullptr) {
         scriptObjectMove(target, copy.get());
+        return true;
+    }
+    if (target->type == kTypeVector) {
+        std::swap(target->vector.vector, copy->vector.vector);
+        std::swap(target->vector.numberName, copy->vector.numberName);
         return true;
     }
     clearElements(target, scriptObjectDestroyElement);

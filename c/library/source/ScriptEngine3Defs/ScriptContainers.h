@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ScriptEngine3Defs/ScriptObject.h"
+#include "ScriptEngine3Defs/VectorElements.h"
 #include "containers/List.h"
 #include "containers/Map.h"
 #include "containers/Set.h"
@@ -40,13 +41,14 @@ bool scriptTreeCopyBelow(PathTreeNode* to, const PathTreeNode* from);
 uint32_t scriptContainerCount(const ScriptObject* object);
 
 // Calls `visit(element)` for each element of a list, vector or set in order
-// until it gives false. False when it was ended.
+// until it gives false. False when it was ended. An element of a vector may be
+// there for the time of the call only.
 template <typename Visit>
 bool scriptContainerEach(const ScriptObject* object, Visit visit) {
     if (object->type == kTypeVector) {
+        ScriptObject room;
         for (uint32_t at = 0; at < vectorSize(object->vector.vector); ++at)
-            if (!visit(static_cast<ScriptObject*>(vectorGet(object->vector.vector, at))))
-                return false;
+            if (!visit(scriptVectorSeen(object, at, &room))) return false;
     } else if (object->type == kTypeList) {
         const List* list = object->list.list;
         for (ListNode* at = listFirstNode(list); at != nullptr; at = listNextNode(list, at))

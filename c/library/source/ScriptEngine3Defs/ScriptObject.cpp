@@ -151,6 +151,10 @@ ScriptObject* scriptObjectCreateString(std::string_view text) {
     ScriptObject* object = scriptObjectTake();
     if (object == nullptr) return nullptr;
     object->type = kTypeString;
+    if (text.size() < kStringInside) {
+        stringInitShort(&object->string, text);
+        return object;
+    }
     stringInitEmpty(&object->string);
     if (!stringAppendView(&object->string, text)) scriptObjectDestroy(&object);
     return object;

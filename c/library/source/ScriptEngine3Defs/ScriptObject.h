@@ -66,8 +66,9 @@ struct ScriptObject {
     struct VectorValue {
         Vector* vector;
         uint32_t cursor;
-        uint32_t cursorSet;  // 1 once there is a cursor
-        uint32_t direction;  // 1 or 0xFFFFFFFF
+        uint32_t cursorSet;   // 1 once there is a cursor
+        uint32_t direction;   // 1 or 0xFFFFFFFF
+        uint32_t numberName;  // of the numbers in the array's slots, see VectorElements.h
     };
     struct SetValue {
         Set* set;
@@ -176,10 +177,14 @@ bool scriptObjectAssignAny(ScriptEngine* engine, ScriptObject* target, ScriptObj
 
 inline bool scriptObjectAssign(ScriptEngine* engine, ScriptObject* target, ScriptObject* source) {
     if (target == nullptr || source == nullptr) return false;
-    if (target->type != kTypeNumber || source->type != kTypeNumber)
-        return scriptObjectAssignAny(engine, target, source);
-    target->number = source->number;
-    return true;
+    if (target->type == kTypeNumber && source->type == kTypeNumber) {
+        target->number = source->number;
+        return true;
+    }
+    if (target->type == kTypeString && source->type == kTypeString &&
+        stringSetInside(&target->string, &source->string))
+        return true;
+    return scriptObjectAssignAny(engine, target, source);
 }
 
 template <>

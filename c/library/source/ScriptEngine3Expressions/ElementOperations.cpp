@@ -1,7 +1,7 @@
+#include "ScriptEngine3Defs/VectorElements.h"
 #include "ScriptEngine3Expressions/OperandHelp.h"
 #include "ScriptEngine3Expressions/Operations.h"
 #include "containers/Map.h"
-#include "containers/Vector.h"
 #include "strings/StringNumbers.h"
 
 namespace {
@@ -31,8 +31,8 @@ bool indexOf(ScriptEngine* engine, ScriptObject* left, uint32_t* index) {
 ScriptObject* ofVector(ScriptEngine* engine, ScriptObject* left, ScriptObject* right) {
     uint32_t index;
     if (!indexOf(engine, left, &index)) return nullptr;
-    const Vector* vector = right->vector.vector;
-    auto* element = static_cast<ScriptObject*>(vectorGet(vector, index));
+    ScriptObject room;
+    const ScriptObject* element = scriptVectorSeen(right, index, &room);
     if (element != nullptr) return scriptObjectClone(element);
     logError(engine->logger,
              "evaluateOf: Invalid left hand operand (index out of bounds - %u >= %u)", index,

@@ -9,25 +9,44 @@ ScriptObject* ContainerArguments::containerGone() {
     return fail();
 }
 
-ScriptObject* ContainerArguments::copyOf(uint32_t index, bool followRefs) {
-    if (!ok()) return nullptr;
-    ScriptBlock* where = nullptr;
-    ScriptObject* object = scriptBlockSearchPlace(block_, arg(index), &where);
-    if (object != nullptr && object->type != kTypeExpr && object->type != kTypePointer)
-        return scriptObjectClone(object);
-    if (object == nullptr || object->type != kTypeExpr)
-        return scriptObjectClone(followRefs ? any(index) : unfollowed(index));
-    if (!keepLoansFrom(object)) return nullptr;
-    Owned<ScriptObject> made(scriptEvaluateToObject(engine_, where, object->expression));
-    if (!made) {
+void NewValue::take(ScriptObject* made) {
+    object.reset(made);
+    if (!object || object->type != kTypeNumber) return;
+    setNumber(object.get());
+    object.reset();
+}
+
+ScriptObject* NewValue::release() {
+    if (!isNumber) return object.release();
+    ScriptObject* made = scriptObjectCreateNumber(number);
+    if (made != nullptr) made->nameId = nameId;
+    return made;
+}
+
+void ContainerArguments::takeValue(NewValue* value, uint32_t index, ScriptObject* found,
+                                   ScriptBlock* where, bool followRefs) {
+    if (found == nullptr || found->type != kTypeExpr) {
+        const bool isPlain = found != nullptr && found->type != kTypePointer;
+        if (!isPlain) found = followRefs ? any(index) : unfollowed(index);
+        return value->take(scriptObjectClone(found));
+    }
+    if (!keepLoansFrom(found)) return;
+    EvalResult result;
+    if (!scriptEvaluator(engine_, where, found->expression, kWantValue, &result)) {
         logError(engine_->logger, "Parameter %u is not (properly) defined", index + 1);
-        return fail();
+        fail();
+        return;
+    }
+    if (result.object == nullptr) {
+        value->number = result.number;
+        value->isNumber = true;
+        return;
     }
     // What nobody else has needs no copy.
-    if (made->type != kTypeNumber && made->type != kTypeString)
-        return scriptObjectClone(made.get());
-    made->flags = 0;
-    return made.release();
+    Owned<ScriptObject> made(result.object);
+    const bool isOurs = made->type == kTypeNumber || made->type == kTypeString;
+    if (isOurs) made->flags = 0;
+    value->take(isOurs ? made.release() : scriptObjectClone(made.get()));
 }
 
 ScriptObject* ContainerArguments::raw(uint32_t index) {
@@ -54,6 +73,7 @@ const ScriptObject* ContainerArguments::optional(uint32_t index) {
 }
 
 bool ContainerArguments::aimInWalk(ScriptObject* target, ScriptObject* element) {
+    if (element == nullptr) return false;
     scriptPointerAim(target, nullptr, nullptr);
     if (!scriptObjectAssign(engine_, target, element)) return false;
     scriptPointerAim(target, scriptPointerTarget(target), block_);
@@ -90,10 +110,13 @@ bool containerAdd(ScriptObject* container, ScriptObject* value) {
 }
 
 bool containerAddText(ScriptObject* container, std::string_view text) {
-    Owned<ScriptObject> made(scriptObjectCreateString(text));
-    if (!made || !containerAdd(container, made.get())) return false;
-    made.release();
-    return true;
+    ScriptObject* made = scriptObjectCreateString(text);
+    if (made == nullptr) return false;
+    if (container->type == kTypeVector ? vectorAppend(container->vector.vector, made)
+                                       : containerAdd(container, made))
+        return true;
+    scriptObjectDestroy(&made);
+    return false;
 }
 
 void mapLeaveEntry(ScriptObject* map, const MapNode* node) {

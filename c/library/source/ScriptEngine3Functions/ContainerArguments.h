@@ -8,6 +8,27 @@
 
 // What the commands of the vector, list, set, map and tree families share.
 
+// A value on its way into a container: a number, or an object of another type.
+struct NewValue {
+    Owned<ScriptObject> object;
+    double number = 0;
+    uint32_t nameId = kNoVariable;  // of the number
+    bool isNumber = false;
+
+    // False where there is none.
+    explicit operator bool() const { return isNumber || object; }
+    void setNumber(const ScriptObject* from) {
+        number = from->number;
+        nameId = from->nameId;
+        isNumber = true;
+    }
+    // Takes over an object, or the number that it is.
+    void take(ScriptObject* made);
+    // The value as an object that the caller owns; null without one, and when
+    // memory runs out.
+    ScriptObject* release();
+};
+
 // The arguments of a command whose first one is a container. A script can do
 // anything while a later argument is evaluated, also give the container another
 // type or end it together with what holds it; and an assignment to a target can.
@@ -31,12 +52,22 @@ class ContainerArguments : public Arguments {
                container_->type == type_;
     }
 
-    // A copy of a value for the container, owned by the caller. Null without a
-    // failure of the arguments when the value has no copy, as undef has none.
-    // An expression is evaluated, a pointer stays one.
-    ScriptObject* fetched(uint32_t index) { return copyOf(index, false); }
-    // The same with pointers followed.
-    ScriptObject* followed(uint32_t index) { return copyOf(index, true); }
+    // A copy of a value for the container. There is none, without a failure of the
+    // arguments, when the value has no copy, as undef has none. An expression is
+    // evaluated, a pointer stays one, or is followed on demand.
+    NewValue value(uint32_t index, bool followRefs = false) {
+        NewValue value;
+        if (!ok()) return value;
+        ScriptBlock* where = nullptr;
+        ScriptObject* object = scriptBlockSearchPlace(block_, arg(index), &where);
+        if (object != nullptr && object->type == kTypeNumber)
+            value.setNumber(object);
+        else
+            takeValue(&value, index, object, where, followRefs);
+        return value;
+    }
+    // The same as an object that the caller owns, or null.
+    ScriptObject* fetched(uint32_t index) { return value(index).release(); }
     // The same, but what stands there is taken as it is: an expression stays one.
     ScriptObject* raw(uint32_t index);
 
@@ -51,19 +82,20 @@ class ContainerArguments : public Arguments {
         if (object == nullptr || object->type == kTypeExpr) return target(index);
         return object->type == kTypePointer ? object : writable(index, object);
     }
-    // Assigns an element of a vector to such a target. A pointer that refers to
-    // nothing, or to nothing any more, is aimed at the element as it is seen
-    // from this block.
-    bool assignInWalk(ScriptObject* target, ScriptObject* element) {
+    // Assigns an element of a vector, which there is, to such a target. A pointer
+    // that refers to nothing, or to nothing any more, is aimed at the element as it
+    // is seen from this block.
+    bool assignInWalk(ScriptObject* target, ScriptObject* vector, uint32_t index) {
         if (target->type != kTypePointer || scriptPointerTarget(target) != nullptr)
-            return scriptObjectAssign(engine_, target, element);
-        return aimInWalk(target, element);
+            return scriptVectorAssign(engine_, target, vector, index);
+        return aimInWalk(target, scriptVectorElement(vector, index));
     }
 
   private:
     ScriptObject* containerGone();
     bool aimInWalk(ScriptObject* target, ScriptObject* element);
-    ScriptObject* copyOf(uint32_t index, bool followRefs);
+    void takeValue(NewValue* value, uint32_t index, ScriptObject* found, ScriptBlock* where,
+                   bool followRefs);
 
     ScriptType type_;
     ScriptObject* container_;

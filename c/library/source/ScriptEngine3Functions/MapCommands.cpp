@@ -27,9 +27,9 @@ ScriptObject* copyForEntry(ScriptEngine* engine, const ContainerArguments& in, S
 int scriptEngineMapInsert(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
     ContainerArguments in(engine, block, args, kTypeMap);
     int status;
-    Owned<ScriptObject> key(copyForEntry(engine, in, in.followed(1), 2, &status));
+    Owned<ScriptObject> key(copyForEntry(engine, in, in.value(1, true).release(), 2, &status));
     if (!key) return status;
-    Owned<ScriptObject> value(copyForEntry(engine, in, in.fetched(2), 3, &status));
+    Owned<ScriptObject> value(copyForEntry(engine, in, in.value(2).release(), 3, &status));
     if (!value) return status;
     ScriptObject* map = in.container();
     if (!in.ok()) return in.status();

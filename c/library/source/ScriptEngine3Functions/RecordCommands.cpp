@@ -42,6 +42,15 @@ class Texts {
     Vector* made_;
 };
 
+// Makes objects of all fields of all records: they are compared where they stand.
+// False when memory runs out.
+bool openRecords(ScriptObject* records) {
+    if (!scriptVectorUnfold(records)) return false;
+    return scriptContainerEach(records, [](ScriptObject* record) {
+        return record == nullptr || record->type != kTypeVector || scriptVectorUnfold(record);
+    });
+}
+
 // The fields of an item of a vector of records. What is no vector, which a script
 // may have put in, stands for a record with itself as its only field.
 class RecordView {
@@ -112,10 +121,10 @@ bool showRecord(const void* records, uint32_t at, String* out) {
 // `recdiff left right TARGET`
 int scriptEngineRecDiff(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
     ContainerArguments in(engine, block, args, kTypeVector);
-    const ScriptObject* other = in.typed(1, kTypeVector);
+    ScriptObject* other = in.typed(1, kTypeVector);
     const uint32_t generation = other == nullptr ? 0 : other->generation;
     const ScriptObject* target = in.target(2, kTypeVector);
-    const ScriptObject* records = in.container();
+    ScriptObject* records = in.container();
     if (!in.ok()) return in.status();
     if (other->generation != generation || other->type != kTypeVector) {
         scriptEngineRequireType(engine, nullptr, kTypeVector, 1);
@@ -126,7 +135,9 @@ int scriptEngineRecDiff(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* ar
     Texts texts;
     const DiffRows rows = {left,       right,     vectorSize(left), vectorSize(right),
                            sameRecord, showRecord};
-    if (diffWalk(rows, texts.get()) && texts.appendTo(target)) return kDone;
+    if (openRecords(records) && openRecords(other) && diffWalk(rows, texts.get()) &&
+        texts.appendTo(target))
+        return kDone;
     return commandOutOfMemory(engine, "scriptEngineRecDiff");
 }
 
@@ -144,8 +155,9 @@ int scriptEngineRecCut(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* arg
     const int64_t index = numberToInt64(in.number(1));
     const int64_t width = numberToInt64(in.number(2));
     const int64_t decimals = in.count() > 3 ? numberToInt64(in.number(3)) : -1;
-    const ScriptObject* records = in.container();
+    ScriptObject* records = in.container();
     if (!in.ok()) return in.status();
+    if (!openRecords(records)) return commandOutOfMemory(engine, "scriptEngineRecCut");
     for (uint32_t at = 0; at < vectorSize(records->vector.vector); ++at) {
         const RecordView record = recordAt(records->vector.vector, at);
         if (index < 0 || index >= record.count()) continue;
@@ -161,10 +173,10 @@ int scriptEngineRecCut(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* arg
 // `recsort VECTOR`
 int scriptEngineRecSort(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
     ContainerArguments in(engine, block, args, kTypeVector);
-    const ScriptObject* records = in.container();
+    ScriptObject* records = in.container();
     if (!in.ok()) return in.status();
     Vector* vector = records->vector.vector;
-    vectorSort(vector, compareItems);
+    if (openRecords(records)) vectorSort(vector, compareItems);
     if (vector != nullptr && vector->sorted != 0) return kDone;
     return commandOutOfMemory(engine, "scriptEngineRecSort");
 }

@@ -13,7 +13,11 @@ template <typename Store>
 bool eachItem(std::string_view text, std::string_view separator, bool skipEmpty, Store store) {
     size_t at = 0;
     while (at < text.size()) {
-        const size_t hit = separator.empty() ? std::string_view::npos : text.find(separator, at);
+        size_t hit = std::string_view::npos;
+        if (separator.size() == 1)
+            hit = text.find(separator.front(), at);
+        else if (!separator.empty())
+            hit = text.find(separator, at);
         const std::string_view item = text.substr(at, hit - at);
         if (!(skipEmpty && item.empty()) && !store(item)) return false;
         if (hit == std::string_view::npos) return true;

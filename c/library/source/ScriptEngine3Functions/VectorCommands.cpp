@@ -10,20 +10,62 @@ namespace {
 constexpr uint32_t kForward = 1;
 constexpr uint32_t kBackward = 0xFFFFFFFF;  // added to an index, one less
 
-int scriptEngineVecAppend(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
+// What most loops over vectors are made of is done at once: `vecappend` of one
+// number, and a step of a walk to a number or a short text, where all are plain
+// variables. False where that is not so, and then nothing is done.
+
+inline bool appendAtOnce(ScriptBlock* block, ScriptArgs* args) {
+    if (block == nullptr || args == nullptr || args->count != 2) return false;
+    ScriptObject* vector = scriptPlainTarget(block, args, 0, kTypeVector);
+    if (vector == nullptr) return false;
+    const ScriptObject* value = scriptPlainValue(block, args, 1, kTypeNumber);
+    return value != nullptr && scriptVectorAppendNumber(vector, value->number, value->nameId);
+}
+
+inline bool stepAtOnce(ScriptBlock* block, ScriptArgs* args) {
+    if (block == nullptr || args == nullptr || args->count != 2) return false;
+    ScriptObject* object = scriptPlainTarget(block, args, 0, kTypeVector);
+    if (object == nullptr || object->vector.direction != kForward) return false;
+    const uint32_t index = object->vector.cursor + 1;
+    const void* slot = vectorGet(object->vector.vector, index);
+    ScriptObject* target = scriptPlainVariable(block, args, 1);
+    if (slot == nullptr || target == nullptr) return false;
+    if (slotIsNumber(slot)) {
+        if (target->type != kTypeNumber) return false;
+        target->number = slotNumber(slot);
+    } else {
+        const auto* element = static_cast<const ScriptObject*>(slot);
+        if (target->type != kTypeString || element->type != kTypeString ||
+            !stringSetInside(&target->string, &element->string))
+            return false;
+    }
+    object->vector.cursor = index;
+    return true;
+}
+
+bool append(ScriptObject* vector, NewValue* value) {
+    if (value->isNumber) return scriptVectorAppendNumber(vector, value->number, value->nameId);
+    if (!vectorAppend(vector->vector.vector, value->object.get())) return false;
+    value->object.release();
+    return true;
+}
+
+[[gnu::noinline]] int appendValues(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args) {
     ContainerArguments in(engine, block, args, kTypeVector);
     for (uint32_t at = 1; at < in.count(); ++at) {
-        Owned<ScriptObject> value(in.fetched(at));
+        NewValue value = in.value(at);
         ScriptObject* vector = in.container();
         if (!in.ok()) break;
         if (!value)
             return commandError(engine, "scriptEngineVecAppend: Failed to append parameter %i",
                                 at + 1);
-        if (!vectorAppend(vector->vector.vector, value.get()))
-            return commandOutOfMemory(engine, "scriptEngineVecAppend");
-        value.release();
+        if (!append(vector, &value)) return commandOutOfMemory(engine, "scriptEngineVecAppend");
     }
     return in.status();
+}
+
+int scriptEngineVecAppend(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
+    return appendAtOnce(block, args) ? kDone : appendValues(engine, block, args);
 }
 
 int scriptEngineVecInsert(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
@@ -34,17 +76,18 @@ int scriptEngineVecInsert(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* 
     if (!in.ok()) return in.status();
     if (!value) return commandError(engine, "scriptEngineVecInsert: Failed to insert value");
     Vector* elements = vector->vector.vector;
-    if (!vectorInsert(elements, std::min(index, vectorSize(elements)), value.get()))
-        return commandOutOfMemory(engine, "scriptEngineVecInsert");
-    value.release();
-    return kDone;
+    void* slot = scriptVectorSlot(vector, value.release());
+    if (vectorInsert(elements, std::min(index, vectorSize(elements)), slot)) return kDone;
+    scriptVectorDestroySlot(&slot);
+    return commandOutOfMemory(engine, "scriptEngineVecInsert");
 }
 
 // Puts the value in the place of the element at the index, which there is.
-void replaceElement(Vector* elements, uint32_t index, ScriptObject* value) {
-    auto* old = static_cast<ScriptObject*>(vectorGet(elements, index));
-    vectorSet(elements, index, value);
-    scriptObjectDestroy(&old);
+void replaceElement(ScriptObject* vector, uint32_t index, ScriptObject* value) {
+    Vector* elements = vector->vector.vector;
+    void* old = vectorGet(elements, index);
+    vectorSet(elements, index, scriptVectorSlot(vector, value));
+    scriptVectorDestroySlot(&old);
 }
 
 int scriptEngineVecSet(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
@@ -54,10 +97,9 @@ int scriptEngineVecSet(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* arg
     ScriptObject* vector = in.container();
     if (!in.ok()) return in.status();
     if (!value) return commandError(engine, "scriptEngineVecSet: Failed to set value");
-    Vector* elements = vector->vector.vector;
-    const uint32_t size = vectorSize(elements);
+    const uint32_t size = vectorSize(vector->vector.vector);
     if (size == 0) return commandOutOfMemory(engine, "scriptEngineVecSet");
-    replaceElement(elements, std::min(index, size - 1), value.release());
+    replaceElement(vector, std::min(index, size - 1), value.release());
     return kDone;
 }
 
@@ -76,7 +118,7 @@ int scriptEngineVecErase(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* a
     const uint32_t count = given == nullptr ? 1 : numberToUInt32(given->number);
     vector = in.container();
     if (!in.ok()) return in.status();
-    vectorEraseWith(vector->vector.vector, index, count, scriptObjectDestroyElement);
+    vectorEraseWith(vector->vector.vector, index, count, scriptVectorDestroySlot);
     return kDone;
 }
 
@@ -89,11 +131,10 @@ int scriptEngineVecGet(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* arg
     const Vector* elements = vector->vector.vector;
     if (index >= vectorSize(elements))
         return commandError(engine, "scriptEngineVecGet: Index out of bounds");
-    auto* element = static_cast<ScriptObject*>(vectorGet(elements, index));
-    if (element == nullptr)
+    if (vectorGet(elements, index) == nullptr)
         return commandError(engine, "scriptEngineVecGet: NULL-object found at index %u in vector",
                             index);
-    if (scriptObjectAssign(engine, target, element)) return kDone;
+    if (scriptVectorAssign(engine, target, vector, index)) return kDone;
     return commandError(engine,
                         "scriptEngineVecGet: Failed to assign vector value to target variable");
 }
@@ -123,15 +164,16 @@ int startWalk(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
     if (!in.ok()) return in.status();
     ScriptObject::VectorValue& value = vector->vector;
     const uint32_t index = kStart.direction == kForward ? 0 : vectorSize(value.vector) - 1;
-    auto* element = static_cast<ScriptObject*>(vectorGet(value.vector, index));
-    if (element == nullptr) return commandError(engine, kStart.noElement, index);
+    if (vectorGet(value.vector, index) == nullptr)
+        return commandError(engine, kStart.noElement, index);
     value.cursorSet = 1;
     value.cursor = index;
     value.direction = kStart.direction;
-    return in.assignInWalk(target, element) ? kDone : commandError(engine, kStart.notAssigned);
+    return in.assignInWalk(target, vector, index) ? kDone
+                                                  : commandError(engine, kStart.notAssigned);
 }
 
-int scriptEngineVecGetNext(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
+[[gnu::noinline]] int step(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args) {
     ContainerArguments in(engine, block, args, kTypeVector);
     ScriptObject* vector = in.container();
     if (!in.ok()) return in.status();
@@ -147,15 +189,18 @@ int scriptEngineVecGetNext(ScriptEngine* engine, ScriptBlock* block, ScriptArgs*
     if (target->type == kTypePointer) scriptPointerAim(target, nullptr, nullptr);
     ScriptObject::VectorValue& value = vector->vector;
     const uint32_t index = value.cursor + value.direction;
-    auto* element = static_cast<ScriptObject*>(vectorGet(value.vector, index));
-    if (element == nullptr)
+    if (vectorGet(value.vector, index) == nullptr)
         return commandError(engine,
                             "scriptEngineVecGetNext: NULL-object found at index %u in vector",
                             vectorSize(value.vector) - 1);
     value.cursor = index;
-    if (in.assignInWalk(target, element)) return kDone;
+    if (in.assignInWalk(target, vector, index)) return kDone;
     return commandError(engine,
                         "scriptEngineVecGetNext: Failed to assign vector value to target variable");
+}
+
+int scriptEngineVecGetNext(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
+    return stepAtOnce(block, args) ? kDone : step(engine, block, args);
 }
 
 int scriptEngineVecSetCur(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
@@ -167,14 +212,14 @@ int scriptEngineVecSetCur(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* 
         return commandError(engine, "scriptEngineVecSetCur: Iteration has not been initialized");
     Owned<ScriptObject> element(in.raw(1));
     if (!element) return commandError(engine, "scriptEngineVecSetCur: Failed to set value");
-    replaceElement(value.vector, value.cursor, element.release());
+    replaceElement(vector, value.cursor, element.release());
     return kDone;
 }
 
 // The cursor stays where it is, beyond the end.
 int scriptEngineVecClear(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
     ContainerArguments in(engine, block, args, kTypeVector);
-    if (in.ok()) vectorClearWith(in.container()->vector.vector, scriptObjectDestroyElement);
+    if (in.ok()) scriptVectorClear(in.container()->vector.vector);
     return in.status();
 }
 

@@ -62,8 +62,8 @@ static bool addChunk(Pool* pool) {
     return true;
 }
 
-void* poolTakeFresh(Pool* pool) {
-    if (pool->fresh == pool->freshEnd && !addChunk(pool)) return nullptr;
+void* poolTakeOfNewChunk(Pool* pool) {
+    if (!addChunk(pool)) return nullptr;
     void* record = pool->fresh;
     pool->fresh += pool->recordSize;
     return record;

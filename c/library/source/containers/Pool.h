@@ -40,8 +40,8 @@ void poolInit(Pool* pool, uint32_t recordSize, uint32_t linkOffset = 0, uint32_t
 // Releases every record at once. The pool can be used again, as if new.
 void poolDestroy(Pool* pool);
 
-// `poolTake` where no given-back record is at hand. Not for callers.
-void* poolTakeFresh(Pool* pool);
+// `poolTake` where no record is at hand. Not for callers.
+void* poolTakeOfNewChunk(Pool* pool);
 
 // Whether the pool holds more than its first chunk.
 bool poolHasGrown(const Pool* pool);
@@ -50,8 +50,13 @@ bool poolHasGrown(const Pool* pool);
 // for the first time; later it holds what its last owner and the link left there.
 inline void* poolTake(Pool* pool) {
     void* record = pool->free;
-    if (record == nullptr) return poolTakeFresh(pool);
-    std::memcpy(&pool->free, static_cast<char*>(record) + pool->linkOffset, sizeof(void*));
+    if (record != nullptr) {
+        std::memcpy(&pool->free, static_cast<char*>(record) + pool->linkOffset, sizeof(void*));
+        return record;
+    }
+    record = pool->fresh;
+    if (record == pool->freshEnd) return poolTakeOfNewChunk(pool);
+    pool->fresh += pool->recordSize;
     return record;
 }
 

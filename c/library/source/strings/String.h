@@ -61,6 +61,31 @@ inline void stringInitEmpty(String* s) {
 }
 void stringRelease(String* s);
 
+// Copies fewer than `kStringInside` bytes without a call: two pieces that overlap.
+inline void stringCopyShort(char* to, const char* from, size_t count) {
+    const auto copyPieces = [=]<typename Piece>(Piece) {
+        Piece first;
+        Piece last;
+        std::memcpy(&first, from, sizeof first);
+        std::memcpy(&last, from + count - sizeof last, sizeof last);
+        std::memcpy(to, &first, sizeof first);
+        std::memcpy(to + count - sizeof last, &last, sizeof last);
+    };
+    if (count >= 8) return copyPieces(uint64_t{});
+    if (count >= 4) return copyPieces(uint32_t{});
+    if (count >= 2) return copyPieces(uint16_t{});
+    if (count == 1) *to = *from;
+}
+
+// Makes a record that holds nothing yet a copy of a text that is shorter than
+// `kStringInside`.
+inline void stringInitShort(String* fresh, std::string_view text) {
+    stringCopyShort(fresh->inside, text.data(), text.size());
+    fresh->inside[text.size()] = 0;
+    fresh->length = static_cast<uint32_t>(text.size());
+    fresh->capacity = kStringInside;
+}
+
 template <>
 struct OwnedTraits<String> {
     static void destroy(String** s) { stringDestroy(s); }
@@ -129,6 +154,12 @@ bool stringSetText(String* s, const char* text);
 bool stringSetBytes(String* s, const char* bytes, uint32_t count);
 bool stringSetView(String* s, std::string_view bytes);
 bool stringSet(String* s, const String* other);
+// The same where both texts stand in their records; else nothing and false.
+inline bool stringSetInside(String* s, const String* other) {
+    if (s->capacity > kStringInside || other->capacity > kStringInside) return false;
+    *s = *other;
+    return true;
+}
 // The part of `source` from `start`, `count` bytes clamped to the end. A start
 // at or past the end gives an empty text and true.
 bool stringSetSub(String* s, const String* source, uint32_t start, uint32_t count);
