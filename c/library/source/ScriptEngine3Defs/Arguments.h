@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "ScriptEngine3Defs/ScriptEngineRecord.h"
+#include "ScriptEngine3Defs/ScriptExpression.h"
 #include "ScriptEngine3Defs/ScriptLine.h"
 #include "containers/GrowArray.h"
 
@@ -47,15 +48,16 @@ String* scriptEngineGetVarString(ScriptEngine* engine, ScriptBlock* block, uint3
     ScriptObject* object = scriptPlainVariable(block, args, index);
     return object != nullptr && object->type == type ? object : nullptr;
 }
-// The same of a literal as well, to be read only.
+// The same of a number or a string, a literal as well, to be read only.
 [[gnu::always_inline]] inline const ScriptObject* scriptPlainValue(ScriptBlock* block,
-                                                                   ScriptArgs* args, uint32_t index,
-                                                                   ScriptType type) {
+                                                                   ScriptArgs* args,
+                                                                   uint32_t index) {
     ScriptArg* arg = &args->items[index];
     if (arg->kind != kPlaceLocal && (arg->kind != kPlaceLiteral || block->ownLiterals != nullptr))
         return nullptr;
     const ScriptObject* object = scriptBlockSearchPlace(block, arg, nullptr);
-    return object != nullptr && object->type == type ? object : nullptr;
+    if (object == nullptr) return nullptr;
+    return object->type == kTypeNumber || object->type == kTypeString ? object : nullptr;
 }
 
 // Reads a handler's arguments, each when it is asked for, in the handler's
@@ -116,6 +118,19 @@ class Arguments {
     // Before an argument is evaluated: keeps what was lent out readable if that
     // can write to variables. False after a failure.
     bool keepLoansFrom(const ScriptObject* argument);
+    // Whether fetching the argument can write to variables.
+    bool canWrite(uint32_t index) {
+        const ScriptObject* object = scriptBlockSearchPlace(block_, arg(index), nullptr);
+        return object != nullptr && object->type == kTypeExpr && object->expression->writes;
+    }
+    // The target where it is a plain variable of the type, as the first thing that is
+    // fetched; null where that is not so, and after a failure.
+    [[gnu::always_inline]] ScriptObject* plainTarget(uint32_t index, ScriptType type) {
+        if (status_ != kDone || index >= args_->count) return nullptr;
+        ScriptObject* object = scriptPlainTarget(block_, args_, index, type);
+        if (object != nullptr) targets_[targetCount_++] = object;
+        return object;
+    }
     // What was fetched, as something that the handler may change; null after a failure.
     ScriptObject* writable(uint32_t index, ScriptObject* object) {
         if (object == nullptr) return nullptr;
@@ -126,6 +141,7 @@ class Arguments {
 
     ScriptEngine* engine_;
     ScriptBlock* block_;
+    ScriptArgs* args_;
 
   private:
     struct Loan {
@@ -152,7 +168,6 @@ class Arguments {
     const String* lend(ScriptObject* object);
     const String* lendCopy(const ScriptObject* object);
 
-    ScriptArgs* args_;
     int status_;
     uint32_t loanCount_ = 0;
     uint32_t targetCount_ = 0;

@@ -4,6 +4,10 @@
 #include "ScriptEngine3Defs/ScriptExpression.h"
 #include "strings/StringNumbers.h"
 
+ScriptObject* ContainerArguments::otherContainer() {
+    return target(0, type_);
+}
+
 ScriptObject* ContainerArguments::containerGone() {
     scriptEngineRequireType(engine_, nullptr, type_, 0);
     return fail();
@@ -124,14 +128,14 @@ void mapLeaveEntry(ScriptObject* map, const MapNode* node) {
     if (mapIterIsValid(cursor) && cursor->iterator.node == node) rbTreeIterLeave(&cursor->iterator);
 }
 
-bool mapPut(ScriptObject* map, Owned<ScriptObject>* key, Owned<ScriptObject>* value) {
+bool mapPutFor(ScriptObject* map, MapNode* old, Owned<ScriptObject>* key,
+               Owned<ScriptObject>* value) {
     // The new key goes in, not only the value: `1` and `"1"` are equal and sort
     // differently among others.
-    MapNode* node = mapFindNode(map->map.map, key->get());
-    if (node != nullptr) mapLeaveEntry(map, node);
-    const bool added = node == nullptr
+    if (old != nullptr) mapLeaveEntry(map, old);
+    const bool added = old == nullptr
                            ? mapInsert(map->map.map, key->get(), value->get())
-                           : mapReplaceNode(map->map.map, node, key->get(), value->get(),
+                           : mapReplaceNode(map->map.map, old, key->get(), value->get(),
                                             scriptObjectDestroyElement, scriptObjectDestroyElement);
     if (!added) return false;
     key->release();

@@ -36,8 +36,10 @@ struct NewValue {
 class ContainerArguments : public Arguments {
   public:
     // Fetches the first argument, which must have the type.
-    ContainerArguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, ScriptType type)
-        : Arguments(engine, block, args), type_(type), container_(target(0, type)) {
+    [[gnu::always_inline]] ContainerArguments(ScriptEngine* engine, ScriptBlock* block,
+                                              ScriptArgs* args, ScriptType type)
+        : Arguments(engine, block, args), type_(type), container_(plainTarget(0, type)) {
+        if (container_ == nullptr) container_ = otherContainer();
         if (container_ != nullptr) generation_ = container_->generation;
     }
 
@@ -71,6 +73,14 @@ class ContainerArguments : public Arguments {
     // The same, but what stands there is taken as it is: an expression stays one.
     ScriptObject* raw(uint32_t index);
 
+    // A number or string that stays as it is while argument `next` is fetched, to be
+    // read only. Null, without a failure, for anything else.
+    const ScriptObject* lasting(uint32_t index, uint32_t next) {
+        if (!ok()) return nullptr;
+        const ScriptObject* object = scriptPlainValue(block_, args_, index);
+        return object != nullptr && !canWrite(next) ? object : nullptr;
+    }
+
     // A number as an index: what is negative or has no 32 bits is a large one.
     uint32_t index(uint32_t index);
     // A value that may be missing: null without a report when there is none.
@@ -92,6 +102,7 @@ class ContainerArguments : public Arguments {
     }
 
   private:
+    ScriptObject* otherContainer();
     ScriptObject* containerGone();
     bool aimInWalk(ScriptObject* target, ScriptObject* element);
     void takeValue(NewValue* value, uint32_t index, ScriptObject* found, ScriptBlock* where,
@@ -119,10 +130,14 @@ bool containerAddText(ScriptObject* container, std::string_view text);
 
 // Before an entry goes: the walk that stands there ends.
 void mapLeaveEntry(ScriptObject* map, const MapNode* node);
-// Puts an entry into a map in place of one with an equal key: one entry a key.
-// The map owns key and value from then on; false when memory runs out, and they
-// stay the caller's.
-bool mapPut(ScriptObject* map, Owned<ScriptObject>* key, Owned<ScriptObject>* value);
+// Puts an entry into a map in place of `old`, the one with an equal key, if there is
+// one: one entry a key. The map owns key and value from then on; false when memory
+// runs out, and they stay the caller's.
+bool mapPutFor(ScriptObject* map, MapNode* old, Owned<ScriptObject>* key,
+               Owned<ScriptObject>* value);
+inline bool mapPut(ScriptObject* map, Owned<ScriptObject>* key, Owned<ScriptObject>* value) {
+    return mapPutFor(map, mapFindNode(map->map.map, key->get()), key, value);
+}
 // The same with string objects of copies of the texts, none of which may be a
 // part of the map.
 bool mapPutTexts(ScriptObject* map, std::string_view key, std::string_view value);

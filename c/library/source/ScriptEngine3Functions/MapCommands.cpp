@@ -1,5 +1,7 @@
 #include "ScriptEngine3Functions/MapCommands.h"
 
+#include <cmath>
+
 #include "ScriptEngine3Functions/ContainerArguments.h"
 
 namespace {
@@ -13,27 +15,62 @@ struct Watched {
     uint32_t generation;
 };
 
-// Gives a copy of an argument of `mapinsert`; null when the command ends with
-// what stands in `*status` then.
-ScriptObject* copyForEntry(ScriptEngine* engine, const ContainerArguments& in, ScriptObject* copy,
-                           uint32_t position, int* status) {
-    *status = in.status();
-    if (copy != nullptr || !in.ok()) return copy;
-    *status =
-        commandError(engine, "scriptEngineMapInsert: Failed to access parameter %i", position);
-    return nullptr;
+int noCopy(ScriptEngine* engine, const ContainerArguments& in, uint32_t position) {
+    if (!in.ok()) return in.status();
+    return commandError(engine, "scriptEngineMapInsert: Failed to access parameter %i", position);
+}
+
+// Whether a copy of `key` would be what the key of the entry is, to the bit.
+bool hasKey(const MapNode* node, const ScriptObject* key) {
+    const auto* old = static_cast<const ScriptObject*>(node->data);
+    if (old->type != key->type || old->nameId != key->nameId) return false;
+    return key->type == kTypeString || (key->type == kTypeNumber && key->number == old->number &&
+                                        std::signbit(key->number) == std::signbit(old->number));
+}
+
+// Gives the entry another value, which the map owns from then on. False when memory
+// runs out.
+bool replaceValue(ScriptObject* map, MapNode* node, NewValue* value) {
+    auto* old = static_cast<ScriptObject*>(node->value);
+    if (value->isNumber && old != nullptr && old->type == kTypeNumber) {
+        // Another value in the record of the one that ends.
+        ++old->generation;
+        old->number = value->number;
+        old->nameId = value->nameId;
+        old->flags = 0;
+    } else {
+        ScriptObject* fresh = value->release();
+        if (fresh == nullptr) return false;
+        node->value = fresh;
+        scriptObjectDestroy(&old);
+    }
+    mapLeaveEntry(map, node);
+    return true;
 }
 
 int scriptEngineMapInsert(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
     ContainerArguments in(engine, block, args, kTypeMap);
-    int status;
-    Owned<ScriptObject> key(copyForEntry(engine, in, in.value(1, true).release(), 2, &status));
-    if (!key) return status;
-    Owned<ScriptObject> value(copyForEntry(engine, in, in.value(2).release(), 3, &status));
-    if (!value) return status;
+    // A key that nothing can change in the meantime is copied only for a new entry.
+    const ScriptObject* lasting = in.lasting(1, 2);
+    Owned<ScriptObject> key(lasting == nullptr ? in.value(1, true).release() : nullptr);
+    if (lasting == nullptr && !key) return noCopy(engine, in, 2);
+    NewValue value = in.value(2);
+    if (!value) return noCopy(engine, in, 3);
     ScriptObject* map = in.container();
     if (!in.ok()) return in.status();
-    return mapPut(map, &key, &value) ? kDone : commandOutOfMemory(engine, "scriptEngineMapInsert");
+    MapNode* old = mapFindNode(map->map.map, lasting != nullptr ? lasting : key.get());
+    if (lasting != nullptr) {
+        if (old != nullptr && hasKey(old, lasting) &&
+            rbTreeReplacesInPlace(&map->map.map->tree, old, lasting))
+            return replaceValue(map, old, &value)
+                       ? kDone
+                       : commandOutOfMemory(engine, "scriptEngineMapInsert");
+        key.reset(scriptObjectClone(lasting));
+        if (!key) return noCopy(engine, in, 2);
+    }
+    Owned<ScriptObject> object(value.release());
+    if (object && mapPutFor(map, old, &key, &object)) return kDone;
+    return commandOutOfMemory(engine, "scriptEngineMapInsert");
 }
 
 int scriptEngineMapErase(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
@@ -56,7 +93,24 @@ int scriptEngineMapHaveElement(ScriptEngine* engine, ScriptBlock* block, ScriptA
     return mapContains(map->map.map, key) ? kDone : kNegative;
 }
 
-int scriptEngineMapGet(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
+int deliverValue(ScriptEngine* engine, ScriptObject* target, const MapNode* node) {
+    if (scriptObjectAssign(engine, target, static_cast<ScriptObject*>(node->value))) return kDone;
+    return commandError(engine, "scriptEngineMapGet: Failed to get map value");
+}
+
+// `mapget` of plain variables. False where that is not so, and then nothing is done.
+inline bool getAtOnce(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int* status) {
+    if (engine == nullptr || block == nullptr || args == nullptr || args->count != 3) return false;
+    const ScriptObject* map = scriptPlainTarget(block, args, 0, kTypeMap);
+    const ScriptObject* key = scriptPlainValue(block, args, 1);
+    ScriptObject* target = scriptPlainTarget(block, args, 2);
+    if (map == nullptr || key == nullptr || target == nullptr) return false;
+    const MapNode* node = mapFindNode(map->map.map, key);
+    *status = node == nullptr ? kNegative : deliverValue(engine, target, node);
+    return true;
+}
+
+[[gnu::noinline]] int get(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args) {
     ContainerArguments in(engine, block, args, kTypeMap);
     const Watched key(in.any(1));
     const ScriptObject* map = in.container();
@@ -70,10 +124,13 @@ int scriptEngineMapGet(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* arg
     // What was evaluated for the target may have changed the map.
     if (scriptTemporaries.size() != evaluated)
         node = key.isThere() ? mapFindNode(map->map.map, key.object) : nullptr;
-    if (node != nullptr &&
-        scriptObjectAssign(engine, target, static_cast<ScriptObject*>(node->value)))
-        return kDone;
+    if (node != nullptr) return deliverValue(engine, target, node);
     return commandError(engine, "scriptEngineMapGet: Failed to get map value");
+}
+
+int scriptEngineMapGet(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int) {
+    int status;
+    return getAtOnce(engine, block, args, &status) ? status : get(engine, block, args);
 }
 
 // What a command that delivers an entry says when that fails.

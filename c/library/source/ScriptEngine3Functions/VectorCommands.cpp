@@ -18,8 +18,9 @@ inline bool appendAtOnce(ScriptBlock* block, ScriptArgs* args) {
     if (block == nullptr || args == nullptr || args->count != 2) return false;
     ScriptObject* vector = scriptPlainTarget(block, args, 0, kTypeVector);
     if (vector == nullptr) return false;
-    const ScriptObject* value = scriptPlainValue(block, args, 1, kTypeNumber);
-    return value != nullptr && scriptVectorAppendNumber(vector, value->number, value->nameId);
+    const ScriptObject* value = scriptPlainValue(block, args, 1);
+    return value != nullptr && value->type == kTypeNumber &&
+           scriptVectorAppendNumber(vector, value->number, value->nameId);
 }
 
 inline bool stepAtOnce(ScriptBlock* block, ScriptArgs* args) {

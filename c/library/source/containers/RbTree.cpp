@@ -151,6 +151,7 @@ void setMixed(RbTree* tree) {
 void resetKeys(RbTree* tree) {
     tree->kind = tree->keys == nullptr ? kRbMixedKind : kRbAnyKind;
     tree->unique = true;
+    tree->recent = nullptr;
     rbIndexDestroy(&tree->index);
 }
 
@@ -365,9 +366,14 @@ RbNode* rbTreeFindNode(const RbTree* tree, const void* key) {
     if (!isOrdered(tree, key))
         return search(tree, [&](const RbNode* at) { return tree->compare(key, at->data); });
     const RbKeys* keys = tree->keys;
-    if (tree->index != nullptr)
-        return rbIndexFind(tree->index, keys->hashOf(key),
-                           [&](const RbNode* at) { return keys->equal(key, at->data); });
+    if (tree->index != nullptr) {
+        RbNode* recent = tree->recent;
+        if (recent != nullptr && keys->equal(key, recent->data)) return recent;
+        recent = rbIndexFind(tree->index, keys->hashOf(key),
+                             [&](const RbNode* at) { return keys->equal(key, at->data); });
+        if (recent != nullptr) tree->recent = recent;
+        return recent;
+    }
     const uint64_t order = keys->orderOf(key);
     return search(tree, [&](const RbNode* at) { return compareByKey(tree, order, key, at); });
 }
@@ -400,6 +406,7 @@ void rbTreeEraseNode(RbTree* tree, RbNode* node) {
     const bool single = node->left == nil || node->right == nil;
     RbNode* spliced = single ? node : outermost<&RbNode::left>(tree, node->right);
     if (tree->iterators != nullptr) moveIterators(tree, node, spliced);
+    tree->recent = nullptr;
 
     RbNode* child = spliced->left != nil ? spliced->left : spliced->right;
     child->parent = spliced->parent;  // of nil too: the repair goes up from there
@@ -428,18 +435,25 @@ void rbTreeEraseNode(RbTree* tree, RbNode* node) {
     if (poolHasGrown(&tree->nodes)) poolDestroy(&tree->nodes);
 }
 
+// A red leaf comes to stand where it stood, and the rest of the tree does not notice.
+bool rbTreeReplacesInPlace(const RbTree* tree, const RbNode* node, const void* data) {
+    const RbNode* nil = &tree->nil;
+    const bool isRedLeaf = node->color == kRbRed && node->left == nil && node->right == nil;
+    return (isRedLeaf || tree->count > kExactShape) && tree->unique && isOrdered(tree, data);
+}
+
 // The one free place between the neighbours of what has gone is where the way
 // down from the root would end: as long as keys order the tree no comparison is
 // needed to find it.
 RbNode* rbTreeReplaceNode(RbTree* tree, RbNode* node, void* data) {
     RbNode* nil = &tree->nil;
+    if (rbTreeReplacesInPlace(tree, node, data)) {
+        node->data = data;
+        return node;
+    }
     if (tree->count == 1 || !tree->unique || !isOrdered(tree, data)) {
         rbTreeEraseNode(tree, node);
         return rbTreeInsertNode(tree, data);
-    }
-    if (tree->count > kExactShape) {
-        node->data = data;
-        return node;
     }
     const bool twoChildren = node->left != nil && node->right != nil;
     RbNode* before = predecessor(tree, node);

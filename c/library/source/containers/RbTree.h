@@ -62,8 +62,9 @@ struct RbTree {
     bool unique;   // no two elements are known to compare equal
     uint8_t kind;  // an `RbKind`, or the kind of all elements
     CompareFunction compare;
-    const RbKeys* keys;  // null: the comparison alone
-    RbIndex* index;      // owned; of a large tree of pairs with one kind of keys, none equal
+    const RbKeys* keys;      // null: the comparison alone
+    RbIndex* index;          // owned; of a large tree of pairs with one kind of keys, none equal
+    mutable RbNode* recent;  // found last by the index: mostly it is asked for again
     Pool nodes;
     RbTreeIterator* iterators;
 };
@@ -125,6 +126,10 @@ void rbTreeEraseNode(RbTree* tree, RbNode* node);
 // unless it is a large one; gives the new element's node, or null when memory
 // runs out. The warning above holds.
 RbNode* rbTreeReplaceNode(RbTree* tree, RbNode* node, void* data);
+
+// Whether that would give the same node again and leave the rest of the tree as it
+// is, for an element with the key of the old one.
+bool rbTreeReplacesInPlace(const RbTree* tree, const RbNode* node, const void* data);
 
 // ---- Iterators: for cursors that live while the tree changes.
 // Inserting leaves them alone. When others erase the element of an iterator,
