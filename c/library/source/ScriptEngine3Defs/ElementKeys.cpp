@@ -34,6 +34,17 @@ uint64_t orderOfText(const char* bytes, uint32_t length) {
     return length >= kWord ? word : word & ~(UINT64_MAX >> (8 * length));
 }
 
+// Most keys are short: two words that overlap.
+bool equalTexts(std::string_view a, std::string_view b) {
+    const size_t count = a.size();
+    if (count != b.size()) return false;
+    if (count > 2 * kWord) return a == b;
+    if (textWord(a.data(), count) != textWord(b.data(), count)) return false;
+    const size_t last = count - kWord;
+    return count <= kWord ||
+           textLoad<uint64_t>(a.data() + last) == textLoad<uint64_t>(b.data() + last);
+}
+
 uint8_t kindOfElement(const void* element) {
     const auto* object = static_cast<const ScriptObject*>(element);
     if (object->type == kTypeString) return kStringKind;
@@ -53,7 +64,7 @@ bool equalElements(const void* left, const void* right) {
     const auto* a = static_cast<const ScriptObject*>(left);
     const auto* b = static_cast<const ScriptObject*>(right);
     return a->type == kTypeNumber ? a->number == b->number
-                                  : stringView(&a->string) == stringView(&b->string);
+                                  : equalTexts(stringView(&a->string), stringView(&b->string));
 }
 
 uint32_t hashOfElement(const void* element) {
