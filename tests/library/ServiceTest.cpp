@@ -78,6 +78,7 @@ std::vector<Case> serviceCases(const std::string& table) {
 using ServiceTest = ScriptCases;
 
 TEST_F(ServiceTest, ScriptsControlServices) {
+    times_ = 1;
     constexpr char kShared[] = R"(QuorelServiceTest getstate -> 1stopped
 QuorelServiceTest stop -> 0The service "QuorelServiceTest" has not been started
 QuorelServiceTest explode -> 1old
