@@ -3,6 +3,7 @@
 #include "containers/Compare.h"
 #include "containers/List.h"
 #include "containers/Memory.h"
+#include "platform/threads.h"
 #include "threads/QuitFlag.h"
 
 namespace {
@@ -12,6 +13,10 @@ constexpr uint32_t kMessageWait = 100;  // milliseconds
 constexpr uint32_t kStopWait = 25 * 10;
 // After a failed accept: one that fails for good must not take a processor.
 constexpr uint32_t kFailurePause = 100;
+
+// The records that there are. A look for a connection where there is none shall
+// not hold the lock against the listener that brings one.
+std::atomic<uint32_t> connections{0};
 
 // The listener's thread; null once the list of threads has destroyed it.
 Thread* threadOf(ScriptListener* listener) {
@@ -39,6 +44,7 @@ ScriptConnection* connectionCreate(Socket socket, const char* host, uint32_t por
         return nullptr;
     }
     *connection = {socket, port, stringFromText(host), timeNow()};
+    ++connections;
     return connection->peerHost == nullptr ? nullptr : connection.release();
 }
 
@@ -69,7 +75,7 @@ bool takeConnection(ScriptListener* listener, unsigned* exitCode, Logger* logger
     uint32_t port = 0;
     const Socket socket = sockListen(listener->socket, host, sizeof host, &port);
     if (socket == kNoSocket) {
-        sleepInterruptible(kFailurePause);
+        if (listener->stopRequested == 0) sleepInterruptible(kFailurePause);
         return true;
     }
     if (listener->stopRequested != 0) {
@@ -154,9 +160,14 @@ unsigned scriptListenerThread(Thread* thread) {
 }
 
 ScriptConnection* scriptConnectionTake(ScriptEngine* engine, uint32_t port) {
-    const LockScope scope(engine->connectionLock);
-    auto* queue = static_cast<List*>(mapGet(engine->connectionQueues, &port));
-    return static_cast<ScriptConnection*>(listPopFront(queue));
+    if (connections > 0) {
+        const LockScope scope(engine->connectionLock);
+        auto* queue = static_cast<List*>(mapGet(engine->connectionQueues, &port));
+        if (void* oldest = listPopFront(queue)) return static_cast<ScriptConnection*>(oldest);
+    }
+    // A script that looks again and again must not keep the listener off the processor.
+    osThreadYield();
+    return nullptr;
 }
 
 void scriptConnectionDestroy(ScriptConnection** reference) {
@@ -165,6 +176,7 @@ void scriptConnectionDestroy(ScriptConnection** reference) {
     *reference = nullptr;
     if (connection->socket != kNoSocket) sockClose(connection->socket);
     stringDestroy(&connection->peerHost);
+    --connections;
     memDelete(&connection);
 }
 

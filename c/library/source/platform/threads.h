@@ -17,6 +17,9 @@ int osThreadStart(OsThread** thread, OsThreadFunction function, void* argument);
 uint32_t osThreadId(const OsThread* thread);
 uint32_t osCurrentThreadId();
 
+// Lets a thread go first that waits for the processor; comes back at once when none does.
+void osThreadYield();
+
 // Whether the thread's function has come to its end.
 int osThreadHasEnded(OsThread* thread, bool* ended);
 

@@ -1,6 +1,7 @@
 #include "platform/threads.h"
 
 #include <pthread.h>
+#include <sched.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -75,6 +76,10 @@ uint32_t osThreadId(const OsThread* thread) {
 
 uint32_t osCurrentThreadId() {
     return static_cast<uint32_t>(syscall(SYS_gettid));
+}
+
+void osThreadYield() {
+    sched_yield();
 }
 
 int osThreadHasEnded(OsThread* thread, bool* ended) {

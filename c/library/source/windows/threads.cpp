@@ -61,6 +61,10 @@ uint32_t osCurrentThreadId() {
     return GetCurrentThreadId();
 }
 
+void osThreadYield() {
+    SwitchToThread();
+}
+
 int osThreadHasEnded(OsThread* thread, bool* ended) {
     if (thread == nullptr) return ERROR_INVALID_HANDLE;
     DWORD code = 0;
