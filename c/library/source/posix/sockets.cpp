@@ -177,7 +177,9 @@ int osSocketClose(OsSocket socket) {
     // A number that a script made up may be that of a file.
     int type = 0;
     socklen_t size = sizeof type;
-    if (getsockopt(descriptorOf(socket), SOL_SOCKET, SO_TYPE, &type, &size) != 0) return errno;
+    if (!isTimed(descriptorOf(socket)) &&
+        getsockopt(descriptorOf(socket), SOL_SOCKET, SO_TYPE, &type, &size) != 0)
+        return errno;
     setTimed(descriptorOf(socket), false);
     close(descriptorOf(socket));  // whatever this says, the number is free again
     return 0;
@@ -214,7 +216,7 @@ int osSocketAccept(OsSocket listener, OsSocket* socket, OsSocketAddress* peer) {
             accept4(descriptor, reinterpret_cast<sockaddr*>(&address), &size, SOCK_CLOEXEC);
         if (made >= 0) {
             *socket = made;
-            limitReads(made);
+            setTimed(made, isTimed(descriptor));  // the option is the listener's
             *peer = {address.sin_addr.s_addr, ntohs(address.sin_port)};
             return 0;
         }

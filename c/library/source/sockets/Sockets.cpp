@@ -29,6 +29,7 @@ constexpr uint32_t kWaitAfterPart = 25;
 constexpr uint32_t kWaitAfterNothing = 50;
 constexpr uint64_t kMicroseconds = 1000;  // in a millisecond
 constexpr uint32_t kLongestPeer = 511;
+constexpr uint64_t kNameTime = 1000;
 constexpr uint32_t kLongestShown = 999;
 
 // Counts the module's users. None must find the system's library half started or
@@ -105,13 +106,28 @@ Socket closeFailed(Socket socket, SockFailure failure) {
     return sockFail(failure);
 }
 
-// The peer's name and address, or its address alone.
+// The peer's name and address, or its address alone. A peer that connects again
+// and again is looked up once in a while only: that reads files or asks a server.
 void describePeer(uint32_t address, char* host, uint32_t hostSize) {
-    std::string text = osHostText(address);
-    std::string name;
-    if (osHostName(address, &name)) text = name + " (" + text + ")";
-    const size_t length = std::min<size_t>({text.size(), kLongestPeer, hostSize - 1});
-    std::memcpy(host, text.data(), length);
+    struct Known {
+        uint64_t end;  // 0 for none
+        uint32_t address;
+        uint32_t length;
+        char text[kLongestPeer];
+    };
+    thread_local Known last;
+    const uint64_t now = osClockTicks();
+    if (last.address != address || now >= last.end) {
+        std::string text = osHostText(address);
+        std::string name;
+        if (osHostName(address, &name)) text = name + " (" + text + ")";
+        last.end = osClockTicks() + kNameTime;
+        last.address = address;
+        last.length = std::min<uint32_t>(static_cast<uint32_t>(text.size()), kLongestPeer);
+        std::memcpy(last.text, text.data(), last.length);
+    }
+    const uint32_t length = std::min(last.length, hostSize - 1);
+    std::memcpy(host, last.text, length);
     host[length] = '\0';
 }
 

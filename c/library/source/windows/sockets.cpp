@@ -106,6 +106,14 @@ int selectFor(SOCKET socket, OsSocketReady ready, uint64_t microseconds, bool* i
     return 0;
 }
 
+// Reads where a read does not wait.
+int readReady(SOCKET socket, char* buffer, size_t length, size_t* got) {
+    const int count = recv(socket, buffer, static_cast<int>(length), 0);
+    if (count == SOCKET_ERROR) return WSAGetLastError();
+    *got = static_cast<size_t>(count);
+    return 0;
+}
+
 bool isRaised(const OsEvent* event) {
     return event != nullptr && WaitForSingleObject(windowsEventHandle(event), 0) == WAIT_OBJECT_0;
 }
@@ -259,11 +267,7 @@ int osSocketRead(OsSocket socket, char* buffer, size_t length, size_t* got) {
     bool isReady = false;
     const int error = selectFor(handleOf(socket), OsSocketReady::Read, 0, &isReady);
     if (error != 0) return error;
-    if (!isReady) return WSAEWOULDBLOCK;
-    const int count = recv(handleOf(socket), buffer, static_cast<int>(length), 0);
-    if (count == SOCKET_ERROR) return WSAGetLastError();
-    *got = static_cast<size_t>(count);
-    return 0;
+    return isReady ? readReady(handleOf(socket), buffer, length, got) : WSAEWOULDBLOCK;
 }
 
 int osSocketReadFirst(OsSocket socket, char* buffer, size_t length, uint64_t microseconds,
@@ -273,5 +277,5 @@ int osSocketReadFirst(OsSocket socket, char* buffer, size_t length, uint64_t mic
     const int error = osSocketWait(socket, OsSocketReady::Read, microseconds, nullptr, isReady);
     if (error != 0 || !*isReady) return error;
     *hasWaited = true;
-    return osSocketRead(socket, buffer, length, got);
+    return readReady(handleOf(socket), buffer, length, got);
 }
