@@ -26,7 +26,8 @@ NUMBERS = ("2.5", "7", "0", "-0.1", "4294967296", "0.000000001")
 FOREIGN = (b"NACK", b"OK", b"CONTINUE", b"WAIT", b"ERROR", b"INCONSISTENT", b"CANCEL", b"ack",
            b"\0")
 WRONG = (b"\0" + b"1" * 9, b"\x801", b"\xff" + b"1" * 300, b"\x7f" + b"0" * 127, b"\x02-2more",
-         b"\x0a4294967294more", b"\x0c00000000000", b"\x04 +2xhi", b"\3abc", b"\x042\x004hi")
+         b"\x0a4294967294more", b"\x0c00000000000", b"\x04 +2xhi", b"\3abc", b"\x042\x004hi",
+         b"\x0b99999999999", b"\x043.75abc")
 
 # By type: how a script makes the value that it sends, the value, and the peer's functions.
 KINDS = {
@@ -59,8 +60,10 @@ PACED = {
     "raw bytes, more": ("string", "recvraw s value 4", "", [b"fourteen"], 1, b"four", b"", 0),
     "never answers": ("string", "sendstring s value", HI, [6], 0, b"hi", b"\0012hi", 5),
     "half a word": ("string", "sendstring s value", HI, [0.5, ACK[:7], 2], 0, b"hi", b"\0012hi", 0),
-    "numbers": ("number", " \n ".join(f"sendnumber s {number}" for number in NUMBERS), "", [],
-                1, b"0", b"\0032.5\0017\0010\4-0.1\x0a4294967296\0010", 0),
+    "numbers": ("number", " \n ".join(
+        f"sendnumber s {number}" for number in (*NUMBERS, "1" + "0" * 39)), "", [], 1, b"0",
+                b"\0032.5\0017\0010\4-0.1\x0a4294967296\0010"
+                b"\x27999999999999999939709166371603178586112", 0),
     "raw": ("string", 'sendraw s "abc" 0 \n sendraw s "abc" 2', "", [], 1, b"", b"ab", 0),
     "raw, too much": ("string", 'sendraw s "abc" 4', "", [], 0, b"", b"", 0),
 }
@@ -341,8 +344,41 @@ def converse(name, listener, caller):
         assert out[f"out.{size}"] == place.joinpath(f"in.{size}").read_bytes(), (name, size)
 
 
+# A port that another program has, and one that is listened on twice.
+PORTS = """
+function main
+    number s
+    startlistener {taken}
+    startlistener {port}
+    sleep 300
+    startlistener {port}
+    connect "127.0.0.1" {port} s
+    sleep 300
+    getnextconn {port} s
+    {tell}
+    endlistener {taken}
+    {tell}
+    endlistener {port} \n endlistener {port}
+    {tell}
+    endlistener {port}
+    {tell}
+end
+"""
+
+
+def ports():
+    with socket.create_server(("", 0)) as other:
+        began = time.monotonic()
+        script = PORTS.format(taken=other.getsockname()[1], port=free_port(), tell=TELL)
+        start(PROGRAM, "ports", script).communicate(timeout=SECONDS)
+        assert pathlib.Path("ports", "results").read_bytes() == b"1110"
+        # Five attempts to have the port take more.
+        assert time.monotonic() - began < 10
+
+
 def jobs():
     """Each test with its arguments; those that mostly wait come first."""
+    yield ports,
     yield from ((pace, name) for name in PACED)
     for kind in KINDS:
         yield judge, "recv" + kind, kind, receiver_cases(kind), receiving(kind)
