@@ -10,7 +10,9 @@ struct ScriptBlock;
 struct ScriptObject;
 struct ScriptArgs;
 
-enum ScriptType : uint8_t {
+// As wide as the word of an object that holds it: there are systems where it would get
+// a word of its own otherwise.
+enum ScriptType : uint32_t {
     kTypeNone = 0,
     kTypeUndef = 1,
     kTypeExpr = 2,
