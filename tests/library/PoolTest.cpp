@@ -19,7 +19,7 @@ struct Record {
 
 TEST(Pool, GivesDistinctZeroedRecordsAndKeepsTheirGenerationAcrossAGive) {
     Pool pool;
-    poolInit(&pool, sizeof(Record), 0, 3);
+    poolInit(&pool, sizeof(Record), 3);
     std::set<Record*> records;
     for (int i = 0; i < 5000; ++i) {
         auto* record = static_cast<Record*>(poolTake(&pool));
@@ -43,7 +43,7 @@ TEST(Pool, GivesDistinctZeroedRecordsAndKeepsTheirGenerationAcrossAGive) {
 
 TEST(Pool, FailsWithTheAllocatorOnlyAndGoesOnAfterIt) {
     Pool pool;
-    poolInit(&pool, 40, 32);
+    poolInit(&pool, 40);
     memFailAfter(1, true);
     int taken = 0;
     while (poolTake(&pool) != nullptr) ++taken;

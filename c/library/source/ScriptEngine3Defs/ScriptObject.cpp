@@ -9,8 +9,8 @@
 #include "text/TextParser.h"
 
 // Ready before anything runs: the pool's first take asks for its first chunk.
-Pool scriptObjectPool = {nullptr, nullptr,    nullptr,   nullptr, sizeof(ScriptObject),
-                         0,       kPoolChunk, kPoolChunk};
+Pool scriptObjectPool = {nullptr,    nullptr,   nullptr, nullptr, sizeof(ScriptObject),
+                         kPoolChunk, kPoolChunk};
 
 namespace {
 

@@ -55,7 +55,7 @@ List* listCreate() {
     if (list == nullptr) return nullptr;
     list->sentinel.next = &list->sentinel;
     list->sentinel.prev = &list->sentinel;
-    poolInit(&list->nodes, sizeof(ListNode), 0, kFirstNodes);
+    poolInit(&list->nodes, sizeof(ListNode), kFirstNodes);
     return list;
 }
 

@@ -11,11 +11,10 @@ struct PoolChunk {
 
 static_assert(sizeof(PoolChunk) == 16);
 
-void poolInit(Pool* pool, uint32_t recordSize, uint32_t linkOffset, uint32_t firstRecords) {
+void poolInit(Pool* pool, uint32_t recordSize, uint32_t firstRecords) {
     if (pool == nullptr) return;
     *pool = Pool{};
-    pool->recordSize = std::max<uint32_t>((recordSize + 7) & ~7u, linkOffset + sizeof(void*));
-    pool->linkOffset = linkOffset;
+    pool->recordSize = std::max<uint32_t>((recordSize + 7) & ~7u, sizeof(void*));
     const uint64_t wanted = sizeof(PoolChunk) + uint64_t{firstRecords} * pool->recordSize;
     const bool full = firstRecords == 0 || wanted > kPoolChunk;
     pool->firstChunk = full ? kPoolChunk : static_cast<uint32_t>(wanted);

@@ -14,12 +14,11 @@
 struct PoolChunk;
 
 struct Pool {
-    void* free;   // records given back, linked through `linkOffset`
+    void* free;   // records given back, linked through their first bytes
     char* fresh;  // records never taken so far, in the newest chunk
     char* freshEnd;
     PoolChunk* chunks;  // owned, the newest first
     uint32_t recordSize;
-    uint32_t linkOffset;
     uint32_t firstChunk;  // bytes of the first chunk; later ones are larger
     uint32_t nextChunk;
 };
@@ -33,9 +32,9 @@ constexpr uint32_t kPoolLargestChunk = 32 * 1024 * 1024;
 
 // Makes an empty pool; no memory is asked for before the first take. The size
 // is rounded up to a multiple of 8, and records are aligned to 16 when it is one
-// of 16. `linkOffset` is a multiple of 8 inside the record. With `firstRecords`
-// the first chunk holds about that many records; 0 begins with the full chunk.
-void poolInit(Pool* pool, uint32_t recordSize, uint32_t linkOffset = 0, uint32_t firstRecords = 0);
+// of 16. With `firstRecords` the first chunk holds about that many records; 0
+// begins with the full chunk.
+void poolInit(Pool* pool, uint32_t recordSize, uint32_t firstRecords = 0);
 
 // Releases every record at once. The pool can be used again, as if new.
 void poolDestroy(Pool* pool);
@@ -51,7 +50,7 @@ bool poolHasGrown(const Pool* pool);
 inline void* poolTake(Pool* pool) {
     void* record = pool->free;
     if (record != nullptr) {
-        std::memcpy(&pool->free, static_cast<char*>(record) + pool->linkOffset, sizeof(void*));
+        std::memcpy(&pool->free, record, sizeof(void*));
         return record;
     }
     record = pool->fresh;
@@ -62,6 +61,6 @@ inline void* poolTake(Pool* pool) {
 
 // Takes a record of this pool back.
 inline void poolGive(Pool* pool, void* record) {
-    std::memcpy(static_cast<char*>(record) + pool->linkOffset, &pool->free, sizeof(void*));
+    std::memcpy(record, &pool->free, sizeof(void*));
     pool->free = record;
 }

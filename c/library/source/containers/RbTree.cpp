@@ -296,7 +296,7 @@ void rbTreeInit(RbTree* tree, CompareFunction compare, bool pairs, const RbKeys*
     tree->index = nullptr;
     resetKeys(tree);
     tree->iterators = nullptr;
-    poolInit(&tree->nodes, pairs ? sizeof(RbPairNode) : sizeof(RbNode), 0, kFirstNodes);
+    poolInit(&tree->nodes, pairs ? sizeof(RbPairNode) : sizeof(RbNode), kFirstNodes);
 }
 
 void rbTreeTerm(RbTree* tree) {
