@@ -39,25 +39,8 @@ inline bool makeNumber(ScriptBlock* instance, const BlockShape::Slot& slot, uint
     return true;
 }
 
-// Gives the parameter a value that is more than a number for a new variable.
-[[gnu::noinline]] int passOther(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg,
-                                ScriptBlock* instance, uint32_t position) {
-    ScriptBlock* where = nullptr;
-    ScriptObject* value = scriptBlockSearchPlace(block, arg, &where);
-    if (value == nullptr) return invalidArgument(engine, position);
-    Owned<ScriptObject> made;
-    if (value->type == kTypeExpr) {
-        EvalResult result;
-        if (!scriptEngineRunExpression(engine, where, value->expression, kWantValue, &result))
-            return invalidArgument(engine, position);
-        made.reset(result.object != nullptr ? result.object
-                                            : scriptObjectCreateNumber(result.number));
-        value = made.get();
-        // A parameter made from a pointer will refer to that very object.
-        if (value != nullptr && value->type == kTypePointer &&
-            !scriptTemporariesAdd(made.release()))
-            return invalidArgument(engine, position);
-    }
+// Gives the parameter a value, by the rules of assignment.
+int passValue(ScriptEngine* engine, ScriptObject* value, ScriptBlock* instance, uint32_t position) {
     const BlockShape* shape = instance->shape;
     if (position > shape->paramSlots.size()) {
         logError(engine->logger, "scriptEngineCall: #::11");
@@ -76,17 +59,50 @@ inline bool makeNumber(ScriptBlock* instance, const BlockShape::Slot& slot, uint
     return kError;
 }
 
+// Whether a parameter that has no object yet got the number.
+inline bool passNewNumber(double number, ScriptBlock* instance, uint32_t position) {
+    const BlockShape* shape = instance->shape;
+    return position <= shape->paramSlots.size() &&
+           makeNumber(instance, shape->paramSlots[position - 1], shape->paramIds[position - 1],
+                      number);
+}
+
+// What an expression has given.
+int passNumber(ScriptEngine* engine, double number, ScriptBlock* instance, uint32_t position) {
+    if (passNewNumber(number, instance, position)) return kDone;
+    Owned<ScriptObject> made(scriptObjectCreateNumber(number));
+    return passValue(engine, made.get(), instance, position);
+}
+
+// Gives the parameter a value that is more than a number for a new variable.
+[[gnu::noinline]] int passOther(ScriptEngine* engine, ScriptBlock* block, ScriptArg* arg,
+                                ScriptBlock* instance, uint32_t position) {
+    ScriptBlock* where = nullptr;
+    ScriptObject* value = scriptBlockSearchPlace(block, arg, &where);
+    if (value == nullptr) return invalidArgument(engine, position);
+    Owned<ScriptObject> made;
+    if (value->type == kTypeExpr) {
+        EvalResult result;
+        if (!scriptEngineRunExpression(engine, where, value->expression, kWantValue, &result))
+            return invalidArgument(engine, position);
+        if (result.object == nullptr) return passNumber(engine, result.number, instance, position);
+        made.reset(result.object);
+        value = result.object;
+        // A parameter made from a pointer will refer to that very object.
+        if (value->type == kTypePointer && !scriptTemporariesAdd(made.release()))
+            return invalidArgument(engine, position);
+    }
+    return passValue(engine, value, instance, position);
+}
+
 // Gives the parameters the arguments' values. `kDone`, or the status of the call.
 inline int passArguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
                          ScriptBlock* instance) {
-    const BlockShape* shape = instance->shape;
     for (uint32_t position = 1; position < args->count; ++position) {
         ScriptArg* arg = &args->items[position];
         const ScriptObject* value = scriptBlockSearchPlace(block, arg, nullptr);
-        const bool isNumber = value != nullptr && value->type == kTypeNumber;
-        if (isNumber && position <= shape->paramSlots.size() &&
-            makeNumber(instance, shape->paramSlots[position - 1], shape->paramIds[position - 1],
-                       value->number))
+        if (value != nullptr && value->type == kTypeNumber &&
+            passNewNumber(value->number, instance, position))
             continue;
         const int status = passOther(engine, block, arg, instance, position);
         if (status != kDone) return status;
