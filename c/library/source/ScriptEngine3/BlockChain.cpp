@@ -60,9 +60,9 @@ class ChainMaker {
 
     bool add(ScriptLine* line, uint32_t number) {
         number_ = number;
+        line_ = line;
         const ScriptExpression* program = quickProgram(line);
-        if (program == nullptr)
-            return mark(needsHandlerAlone(line) ? kStepHandler : kStepLine, runStop);
+        if (program == nullptr) return mark(kindOf(line), runStop);
         if (!addProgram(*program, line->flow == kIfCommand)) return false;
         const bool isIf = line->flow == kIfCommand;
         return (!isIf || mark(kStepBody, runStop)) &&
@@ -85,9 +85,10 @@ class ChainMaker {
         if (line->flow == kEvalCommand && namesResult(engine_, program)) return nullptr;
         return scriptArgumentSteps(block_, &line->args) == nullptr ? nullptr : program;
     }
-    bool needsHandlerAlone(const ScriptLine* line) const {
-        return line->flow == kPlainCommand || line->flow == kIfCommand ||
-               blockCallIsResolved(block_, line);
+    // Of the step of a statement that is no quick program.
+    ExprStepKind kindOf(const ScriptLine* line) const {
+        if (blockCallIsResolved(block_, line)) return kStepCall;
+        return line->flow == kPlainCommand || line->flow == kIfCommand ? kStepHandler : kStepLine;
     }
     bool push(ExprStep step) {
         step.line = number_;
@@ -97,6 +98,7 @@ class ChainMaker {
         ExprStep step{};
         step.kind = kind;
         step.run = run;
+        step.statement = line_;
         return push(step);
     }
     bool succeed(StepRunner run) {
@@ -121,6 +123,7 @@ class ChainMaker {
     ScriptEngine* engine_;
     ScriptBlock* block_;
     GrowArray<ExprStep>* steps_;
+    ScriptLine* line_ = nullptr;
     uint32_t number_ = 0;
 };
 

@@ -1,6 +1,7 @@
 #include "ScriptEngine3/BlockExecution.h"
 
 #include "ScriptEngine3/BlockChain.h"
+#include "ScriptEngine3/CallCommand.h"
 #include "ScriptEngine3/FlowCommands.h"
 #include "ScriptEngine3/ResultSetting.h"
 #include "ScriptEngine3Defs/ScriptEvaluator.h"
@@ -229,19 +230,32 @@ inline bool runLine(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) 
     return true;
 }
 
+// A statement whose handler is all there is to run; false when the block stops.
+inline bool runHandlerOf(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
+    beginLine(engine, line);
+    return actOnStatus(engine, block, line->handler(engine, block, &line->args, line->block), line);
+}
+
+// A `call` that has found its function; false when the block stops.
+inline bool runCall(ScriptEngine* engine, ScriptBlock* block, ScriptLine* line) {
+    ScriptBlock* body = blockTemplate(engine, line->block);
+    return actOnStatus(engine, block,
+                       scriptEngineCallBody(engine, block, &line->args, body, line->block), line);
+}
+
 // A statement at which a chain has stopped; false when the block stops.
 inline bool runStopped(ScriptEngine* engine, ScriptBlock* block, EvalValue* stack,
                        const StepStop& stop) {
-    ScriptLine* line = block->shape->lines[stop.step->line];
-    switch (stop.step->kind) {
+    const ExprStep& step = *stop.step;
+    switch (step.kind) {
         case kStepBody:
-            return takeIf(engine, block, kTrue, line);
+            return takeIf(engine, block, kTrue, step.statement);
+        case kStepCall:
+            return runCall(engine, block, step.statement);
         case kStepHandler:
-            beginLine(engine, line);
-            return actOnStatus(engine, block,
-                               line->handler(engine, block, &line->args, line->block), line);
+            return runHandlerOf(engine, block, step.statement);
         case kStepLine:
-            return runLine(engine, block, line);
+            return runLine(engine, block, step.statement);
         case kStepRest:
             return true;
         default:

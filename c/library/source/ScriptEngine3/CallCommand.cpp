@@ -21,7 +21,7 @@ ScriptObject* parameter(ScriptBlock* instance, const BlockShape::Slot& slot, uin
         if (object == nullptr) return nullptr;
         object->nameId = id;
         instance->locals[slot.index] = object;
-        instance->isDirty = 1;
+        scriptBlockHolds(instance, kHoldsLocals);
     }
     return instance->locals[slot.index];
 }
@@ -35,7 +35,7 @@ inline bool makeNumber(ScriptBlock* instance, const BlockShape::Slot& slot, uint
     if (object == nullptr) return false;
     object->nameId = id;
     instance->locals[slot.index] = object;
-    instance->isDirty = 1;
+    scriptBlockHolds(instance, kHoldsLocals);
     return true;
 }
 
@@ -115,10 +115,13 @@ inline int passArguments(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* a
 int scriptEngineCall(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args, int blockNumber) {
     if (engine == nullptr || block == nullptr || args == nullptr) return kInvalidCall;
     ScriptBlock* body = blockTemplate(engine, blockNumber);
-    if (body == nullptr) {
-        logError(engine->logger, "scriptEngineCall: #::11");
-        return kInvalidCall;
-    }
+    if (body != nullptr) return scriptEngineCallBody(engine, block, args, body, blockNumber);
+    logError(engine->logger, "scriptEngineCall: #::11");
+    return kInvalidCall;
+}
+
+int scriptEngineCallBody(ScriptEngine* engine, ScriptBlock* block, ScriptArgs* args,
+                         ScriptBlock* body, int blockNumber) {
     ScriptBlock* instance = scriptBlockInstantiate(body, engine->globalBlock);
     if (instance == nullptr) {
         logError(engine->logger, "scriptEngineCall: Failed to initialize script block %u",

@@ -135,8 +135,8 @@ ScriptBlock* scriptBlockNewInstance(BlockShape* shape) {
     return block;
 }
 
-void scriptBlockClearVariables(ScriptBlock* block) {
-    block->isDirty = 0;
+void scriptBlockClearAll(ScriptBlock* block) {
+    block->contents = kHoldsNothing;
     for (uint32_t slot = 0; slot < block->localCapacity; ++slot)
         if (block->locals[slot] != nullptr) scriptObjectDestroy(&block->locals[slot]);
     if (block->ownLiterals != nullptr) clearOwnLiterals(block);
@@ -147,7 +147,7 @@ void scriptBlockClearVariables(ScriptBlock* block) {
 
 void scriptBlockDestroy(ScriptBlock** block) {
     if (block == nullptr || *block == nullptr) return;
-    if ((*block)->isDirty) scriptBlockClearVariables(*block);
+    scriptBlockClear(*block);
     if (!(*block)->isInstance) {
         memFree(&(*block)->locals);
         destroyShape((*block)->shape);
@@ -193,11 +193,12 @@ bool scriptBlockAddVar(ScriptBlock* block, uint32_t id, ScriptObject* object) {
     if (slot != nullptr && (slot->index < block->localCapacity || !block->isInstance)) {
         if (!makeRoomForLocals(block, slot->index + 1)) return false;
         block->locals[slot->index] = object;
+        scriptBlockHolds(block, kHoldsLocals);
     } else {
+        scriptBlockHolds(block, kHoldsOthers);
         if (block->extras == nullptr) block->extras = memNew<IdMap<ScriptObject*>>();
         if (block->extras == nullptr || !block->extras->add(id, object)) return false;
     }
-    block->isDirty = 1;
     object->nameId = id;
     return true;
 }
@@ -255,7 +256,7 @@ ScriptObject* scriptBlockOwnLiteral(ScriptBlock* block, ScriptObject* object) {
                 if (block->ownLiterals == nullptr) return nullptr;
                 std::memset(block->ownLiterals, 0, bytes);
             }
-            block->isDirty = 1;
+            scriptBlockHolds(block, kHoldsOthers);
             if (block->ownLiterals[slot] == nullptr)
                 block->ownLiterals[slot] = scriptObjectClone(object);
             return block->ownLiterals[slot];

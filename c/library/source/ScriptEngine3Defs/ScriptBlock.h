@@ -10,6 +10,13 @@
 
 struct ScriptLine;
 
+// What an activation has to end.
+enum BlockContents : uint8_t {
+    kHoldsNothing = 0,
+    kHoldsLocals = 1,  // variables in their slots
+    kHoldsOthers = 2,  // literals of its own, or variables without a slot
+};
+
 // `ScriptBlock::lastCondition`.
 enum BlockCondition : uint8_t { kConditionFalse = 0, kConditionTrue = 1, kConditionNone = 2 };
 
@@ -54,7 +61,7 @@ struct ScriptBlock {
     ScriptBlock* nextSpare;
     uint32_t generation;  // raised when the instance ends: references into it are dead
     uint32_t localCapacity;
-    uint8_t isDirty;  // has variables or literals of its own: there is something to end
+    BlockContents contents;
     uint8_t isInstance;
     uint8_t runsItself;  // the global block: template and only activation in one
     uint8_t lastCondition;
@@ -117,7 +124,11 @@ inline ScriptObject* scriptBlockSearchPlace(ScriptBlock* block, VarPlace* place,
 
 // What stands behind the inline functions; not for others.
 ScriptBlock* scriptBlockNewInstance(BlockShape* shape);
-void scriptBlockClearVariables(ScriptBlock* block);
+void scriptBlockClearAll(ScriptBlock* block);
+
+inline void scriptBlockHolds(ScriptBlock* block, BlockContents more) {
+    block->contents = static_cast<BlockContents>(block->contents | more);
+}
 
 inline ScriptBlock* scriptBlockInstantiate(ScriptBlock* blockTemplate, ScriptBlock* parent) {
     BlockShape* shape = blockTemplate->shape;
@@ -138,15 +149,25 @@ inline ScriptBlock* scriptBlockInstantiate(ScriptBlock* blockTemplate, ScriptBlo
     return block;
 }
 
+// Ends what the activation holds.
+inline void scriptBlockClear(ScriptBlock* block) {
+    if (block->contents == kHoldsNothing) return;
+    if (block->contents != kHoldsLocals) return scriptBlockClearAll(block);
+    block->contents = kHoldsNothing;
+    ScriptObject** local = block->locals;
+    for (ScriptObject** end = local + block->localCapacity; local != end; ++local)
+        scriptObjectDestroy(local);
+}
+
 inline void scriptBlockRetire(ScriptBlock* instance) {
-    if (instance->isDirty) scriptBlockClearVariables(instance);
+    scriptBlockClear(instance);
     ++instance->generation;
     instance->nextSpare = instance->shape->spares;
     instance->shape->spares = instance;
 }
 
 inline void scriptBlockRenew(ScriptBlock* instance) {
-    if (instance->isDirty) scriptBlockClearVariables(instance);
+    scriptBlockClear(instance);
     ++instance->generation;
     instance->lastCondition = kConditionNone;
 }

@@ -53,6 +53,7 @@ enum ExprStepKind : uint8_t {
     kStepBody,     // the statement's body is to be run
     kStepSucceed,  // a statement has succeeded: sets the result variables
     kStepRest,     // the chain goes on from here
+    kStepCall,     // a `call` that has found its function for good
     kStepHandler,  // a statement that is run by its handler
     kStepLine,     // the same, and its handler may not be all
 };
@@ -67,6 +68,7 @@ constexpr size_t kStepEnds = 3;
 
 struct EvalValue;
 struct ExprStep;
+struct ScriptLine;
 
 // Where a program came to a step that is for the evaluator.
 struct StepStop {
@@ -104,7 +106,8 @@ struct ExprStep {
     ExprOperand left;
     union {
         ExprOperand right;
-        ScriptEngine* engine;  // of `kStepSucceed`
+        ScriptEngine* engine;   // of `kStepSucceed`
+        ScriptLine* statement;  // of the steps at which a chain stops
     };
 };
 
