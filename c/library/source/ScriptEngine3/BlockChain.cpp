@@ -63,9 +63,8 @@ class ChainMaker {
         line_ = line;
         const ScriptExpression* program = quickProgram(line);
         if (program == nullptr) return mark(kindOf(line), runStop);
-        if (!addProgram(*program, line->flow == kIfCommand)) return false;
         const bool isIf = line->flow == kIfCommand;
-        return (!isIf || mark(kStepBody, runStop)) &&
+        return addProgram(*program, isIf) && (!isIf || mark(kStepBody, runStop)) &&
                succeed(isIf ? runSucceedIf : runSucceedEval) &&
                ((number + 1) % kLinesWithoutRest != 0 || mark(kStepRest, runStop));
     }
@@ -143,16 +142,11 @@ bool blockChainMake(ScriptEngine* engine, ScriptBlock* block) {
     if (shape->lines.size() > kChainLines) return false;
     ChainMaker maker(engine, block, &shape->chain);
     uint32_t number = 0;
-    for (ScriptLine* line : shape->lines) {
-        if (!maker.add(line, number++)) {
-            shape->chain.clear();
-            return false;
-        }
-    }
-    if (!maker.end(number)) {
+    bool good = true;
+    for (ScriptLine* line : shape->lines) good = good && maker.add(line, number++);
+    if (good && maker.end(number))
+        shape->chain.fit();
+    else
         shape->chain.clear();
-        return false;
-    }
-    shape->chain.fit();
-    return true;
+    return !shape->chain.empty();
 }

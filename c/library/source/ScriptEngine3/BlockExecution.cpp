@@ -8,10 +8,6 @@
 #include "ScriptEngine3Expressions/Evaluator.h"
 #include "platform/program.h"
 
-void setOtherResult(ScriptEngine* engine, ScriptObject* object, bool value) {
-    scriptObjectSetStringValue(engine, object, value ? "1" : "0");
-}
-
 namespace {
 
 // What the deepest call of a handler may need of the stack.

@@ -8,6 +8,7 @@
 // Sets one that a script has made something else of, as far as it takes the number.
 [[gnu::cold]] void setOtherResult(ScriptEngine* engine, ScriptObject* object, bool value);
 
+// Sets one if a script names it: a number, unless a script has retyped it.
 inline void setResult(ScriptEngine* engine, NamedResult name, ScriptObject* object, bool value) {
     if ((engine->namedResults & name) == 0) return;
     if (object->type == kTypeNumber) [[likely]]
@@ -29,7 +30,8 @@ inline void setOutOfMemory(ScriptEngine* engine, bool value) {
     setResult(engine, kOutOfMemoryNamed, engine->results.outOfMemory, value);
 }
 
-// At the end of a statement that succeeded, and at the beginning of any.
+// Sets `success` and clears the others: at the beginning of a statement, and at the
+// end of an `eval` that succeeded.
 inline void setResults(ScriptEngine* engine, bool success) {
     if (engine->namedResults == 0) return;
     setSuccess(engine, success);
